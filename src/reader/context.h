@@ -1,0 +1,32 @@
+// The state of one document: the groups of all families, each in a member named after its owner.
+#ifndef MIFREADER_SRC_READER_CONTEXT_H
+#define MIFREADER_SRC_READER_CONTEXT_H
+
+#include <type_traits>
+
+#include "formats/records.h"
+#include "frames/records.h"
+#include "reader/records.h"
+#include "tables/records.h"
+#include "text/records.h"
+
+// Born by clearing its bytes. A family writes its own group and only reads the others', unless a declaration says so.
+struct MifContext {
+    MifHostState host;
+    MifHeaderState header;
+    MifOutputState output;
+    MifSourceState source;
+    MifScannerState scanner;
+    MifReplayState replay;
+    MifUnitState units;
+    MifDispatchState dispatch;
+    MifPageState pages;
+    MifTextState text;
+    MifFormatState formats;
+    MifTableState tables;
+    MifFrameState frames;
+};
+
+static_assert(std::is_trivial_v<MifContext> && std::is_standard_layout_v<MifContext>);
+
+#endif

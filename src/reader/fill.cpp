@@ -1,0 +1,96 @@
+// The fill cycle: stretches of text are read and scanned until the host's buffer is full or the document ends.
+#include <algorithm>
+
+#include "reader/context.h"
+#include "reader/header.h"
+#include "reader/replay.h"
+#include "reader/scanner.h"
+#include "reader/source.h"
+#include "reader/tokens.h"
+
+namespace
+{
+
+// How much of the document has been taken up. 100 is kept for when nothing is left: no token waits and no table is
+// being read.
+int32_t percentDone(const MifContext *context, bool atEnd)
+{
+    const MifSourceState &source = context->source;
+    const MifReplayState &replay = context->replay;
+    int64_t percent = 100;
+    if (!atEnd && source.totalSize > 0) {
+        percent = std::clamp<int64_t>(int64_t{source.filePosition} * 100 / source.totalSize, 0, 100);
+    }
+    if (replay.suspendPending != 0 || replay.readingStretch != 0 || !context->output.queue.empty()) {
+        percent = std::min<int64_t>(percent, 99);
+    }
+    return static_cast<int32_t>(percent);
+}
+
+// Makes a stretch ready for the scan: the rest of the one where the last call stopped, or the next one. False at the
+// end of the document.
+bool prepareStretch(MifContext *context)
+{
+    if (context->source.firstCall != 0) {
+        context->source.firstCall = 0; // its stretch was read along with the header
+        return true;
+    }
+    if (context->output.outputFull != 0) {
+        context->output.outputFull = 0;
+        return true;
+    }
+    if (mifReadSourceFile(context) == 0) {
+        if (context->replay.readingStretch == 0) {
+            return false;
+        }
+        mifRestoreCurrentBuffer(context); // a table without an end
+        return mifReadSourceFile(context) != 0;
+    }
+    return true;
+}
+
+// Fills the output. Returns the call's result and stores the percent.
+int32_t fillOutput(MifContext *context, int32_t *percent)
+{
+    for (;;) {
+        if (!prepareStretch(context)) {
+            *percent = percentDone(context, true);
+            return MIF_SUCCESS;
+        }
+        const int scanned = mifProcessBuffer(context);
+        *percent = percentDone(context, false);
+        if (scanned == 0) {
+            return MIF_FAILURE;
+        }
+        if (context->output.outputFull != 0 || *percent >= 100) {
+            return MIF_SUCCESS;
+        }
+    }
+}
+
+} // namespace
+
+int32_t mifFillBuffer(MifContext *context, uint8_t *buffer, uint32_t *bytesWritten, int32_t *percent,
+                      uint32_t bufferSize)
+{
+    if (context == nullptr) {
+        return MIF_FAILURE;
+    }
+    MifOutputState &output = context->output;
+    mifBeginOutput(context, buffer, bufferSize);
+    int32_t result = MIF_FAILURE;
+    if (output.outputLimit == 0 || output.failed != 0) {
+        *percent = percentDone(context, false);
+    } else {
+        if (context->source.firstCall != 0) {
+            mifWritePreamble(context);
+            mifReadFirstStretch(context);
+            if (mifMIFFile(context) == 0) {
+                return MIF_FAILURE;
+            }
+        }
+        result = fillOutput(context, percent);
+    }
+    *bytesWritten = static_cast<uint32_t>(output.outputPosition - output.outputStart);
+    return result;
+}

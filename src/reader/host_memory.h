@@ -1,0 +1,48 @@
+// Memory from the host: typed forms of the three operations of HostServices. Nothing in the library allocates
+// otherwise.
+#ifndef MIFREADER_SRC_READER_HOST_MEMORY_H
+#define MIFREADER_SRC_READER_HOST_MEMORY_H
+
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+#include "reader/context.h"
+
+// Both allocations return null when the host has no memory left.
+inline void *mifAllocateBytes(MifContext *context, size_t size)
+{
+    HostServices *services = context->host.services;
+    return services->allocate(&services->memoryHandleArea, size);
+}
+
+// One cleared record.
+template <typename Record>
+Record *mifAllocateZeroed(MifContext *context)
+{
+    static_assert(std::is_trivial_v<Record>);
+    HostServices *services = context->host.services;
+    return static_cast<Record *>(services->allocateZeroed(&services->memoryHandleArea, 1, sizeof(Record)));
+}
+
+// An own copy of a zero-terminated text.
+inline char *mifCopyText(MifContext *context, const char *text)
+{
+    const size_t size = strlen(text) + 1;
+    auto *copy = static_cast<char *>(mifAllocateBytes(context, size));
+    if (copy != nullptr) {
+        memcpy(copy, text, size);
+    }
+    return copy;
+}
+
+// Null is allowed and does nothing.
+inline void mifRelease(MifContext *context, void *block)
+{
+    if (block != nullptr) {
+        HostServices *services = context->host.services;
+        services->free(&services->memoryHandleArea, block);
+    }
+}
+
+#endif

@@ -1,0 +1,116 @@
+// What the reader itself keeps: the host's services, the source buffer, the open statements, the output.
+#ifndef MIFREADER_SRC_READER_RECORDS_H
+#define MIFREADER_SRC_READER_RECORDS_H
+
+#include <cstdint>
+
+#include "mifreader/reader.h"
+#include "reader/list.h"
+
+// A handler runs when its statement's closing `>` is met. It returns nonzero for success and 0 for failure; the scan
+// goes on either way.
+using MifStatementHandler = int (*)(MifContext *context);
+
+struct MifHostState {
+    HostServices *services;
+    HostStream *stream;
+    void *notifyCookie;
+    HostNotify notifyCallback; // may be null
+};
+
+struct MifHeaderState {
+    double version;
+    char *comment; // the header comment, owned; null when there is none
+};
+
+// A token that found no room in the host's buffer. Its bytes follow the record.
+struct MifQueuedToken {
+    MifQueuedToken *next;
+    uint32_t length;
+};
+
+// The host's buffer of the current fill call:
+//
+//     outputStart          outputPosition            outputEnd
+//     |--- whole tokens ---|--- room of this call ---|
+//
+// outputEnd is the buffer's end until a token has to wait in the queue; from then on it stands at outputPosition, so
+// that every later token waits too and the order is kept.
+struct MifOutputState {
+    uint8_t *outputStart;
+    uint8_t *outputPosition;
+    uint8_t *outputEnd;
+    uint32_t bufferSize;
+    uint32_t outputLimit; // bytes after which no step is begun: nine tenths of the buffer
+    uint32_t outputFull;  // the last fill call stopped at the limit, in the middle of a stretch
+    uint32_t failed;      // a token was lost: larger than the whole buffer, or no memory to let it wait
+    MifList<MifQueuedToken> queue;
+};
+
+inline constexpr int32_t sourceBufferSize = 4096;
+
+// The stretch of text that is being scanned:
+//
+//     buffer            scanPosition                     bufferEnd
+//     |--- taken up ----|--- valid, not yet taken up ----|--- free ---|
+//
+// buffer <= scanPosition <= bufferEnd <= buffer + sourceBufferSize, always. When carryLength is not 0, the carryLength
+// bytes from scanPosition to bufferEnd are an unfinished statement that the next read moves to the front.
+struct MifSourceState {
+    char buffer[sourceBufferSize];
+    char *scanPosition;
+    char *bufferEnd;
+    int32_t carryLength;
+    int32_t bytesRead;    // taken from the stream so far, never more than totalSize
+    int32_t filePosition; // document offset of the step in progress; stands still while a table is replayed
+    int32_t totalSize;
+    uint32_t firstCall; // the next fill call is the document's first one
+};
+
+// An open statement. The value is in the source buffer, from valueStart to valueEnd, which is its last byte (so an
+// empty value ends before it starts). Both are null for a statement that has no value.
+struct MifStatement {
+    MifStatementHandler handler;
+    char *valueStart;
+    char *valueEnd;
+    MifStatement *enclosing; // null at top level
+};
+
+struct MifScannerState {
+    char *nameStart; // the name of the most recent start tag, in the source buffer
+    char *nameEnd;
+    uint32_t *insideFlag; // the flag that this start tag raised, or null, and what it was before
+    uint32_t insideFlagBefore;
+    MifStatement *statementStack; // the innermost open statement
+};
+
+// Leaving the flow for a table and coming back. Idle, suspendPending, readingStretch, both readingStretch and
+// restorePending, idle again.
+struct MifReplayState {
+    int32_t startPosition;   // where the table to read begins
+    int32_t stretchPosition; // while reading it: the stream's position
+    int32_t savedPosition;   // where the flow goes on
+    uint32_t suspendPending;
+    uint32_t restorePending;
+    uint32_t readingStretch;
+};
+
+struct MifUnitState {
+    int32_t documentUnit; // twips per unit of the Units statement; no conversion reads it
+};
+
+struct MifStatementEntry;
+
+// One row of the statement table in a hash chain.
+struct MifLookupEntry {
+    const MifStatementEntry *row;
+    MifLookupEntry *next;
+};
+
+inline constexpr uint32_t statementBucketCount = 41;
+
+struct MifDispatchState {
+    MifLookupEntry *statementBuckets[statementBucketCount];
+};
+
+#endif

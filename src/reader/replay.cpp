@@ -1,0 +1,39 @@
+#include "reader/replay.h"
+
+namespace
+{
+
+// Drops the stretch and goes to another place in the stream.
+void moveStream(MifContext *context, int32_t position)
+{
+    HostStream *stream = context->host.stream;
+    stream->seek(stream, 0, 0);
+    stream->seek(stream, position, 0);
+    context->source.scanPosition = context->source.bufferEnd;
+}
+
+} // namespace
+
+int mifSuspendCurrentBuffer(MifContext *context)
+{
+    MifSourceState &source = context->source;
+    MifReplayState &replay = context->replay;
+    replay.savedPosition = source.filePosition;
+    source.bytesRead -= static_cast<int32_t>(source.bufferEnd - source.scanPosition);
+    moveStream(context, replay.startPosition);
+    replay.stretchPosition = replay.startPosition;
+    replay.suspendPending = 0;
+    // The end of the last table read may have left it up; this one would then end at its first statement.
+    replay.restorePending = 0;
+    replay.readingStretch = 1;
+    return 1;
+}
+
+int mifRestoreCurrentBuffer(MifContext *context)
+{
+    MifReplayState &replay = context->replay;
+    moveStream(context, replay.savedPosition);
+    replay.readingStretch = 0;
+    replay.restorePending = 0;
+    return 1;
+}

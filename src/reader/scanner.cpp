@@ -1,0 +1,346 @@
+#include "reader/scanner.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "reader/replay.h"
+#include "reader/source.h"
+#include "reader/statement.h"
+#include "reader/statement_table.h"
+#include "reader/tokens.h"
+#include "tables/tables.h"
+
+namespace
+{
+
+// Long enough for every name that has a row; a longer name is cut and so matches none.
+constexpr size_t nameBufferSize = 80;
+
+// MIF's own macro and include statements are not carried out, only reported.
+constexpr std::string_view defineWord = "define";
+constexpr std::string_view includeWord = "include";
+constexpr std::string_view defineNotice = "define macro statement encountered";
+constexpr std::string_view includeNotice = "include statment encountered";
+
+enum class Step {
+    next, // the step is complete; go on at the scan position
+    stop, // go back to the fill cycle
+    fail  // stop, and the document with it
+};
+
+// One run over the stretch. Each step begins at the scan position and leaves it behind what it has taken up; the file
+// position moves along with it.
+class Scan
+{
+public:
+    explicit Scan(MifContext *context) : context_(context), source_(context->source) {}
+
+    int run();
+
+private:
+    Step step();
+    Step startTag();
+    Step value(char *cursor);
+    Step quotedValue(char *cursor);
+    Step closeValue(char *close);
+    Step nestedStatement(char *nested);
+    Step cutValue(char *cut);
+    Step undoStartTag();
+    Step endTag();
+    Step comment();
+    Step macro(std::string_view word, std::string_view notice);
+    Step strayText();
+    Step whiteSpaceAndComment();
+    Step giveBack();
+
+    void advance(char *position);
+    void account(const char *start);
+    bool atWord(const char *cursor, std::string_view word) const;
+    bool atCutWord(const char *cursor, std::string_view word) const;
+    char *findByte(char *from, char byte) const;
+
+    MifContext *context_;
+    MifSourceState &source_;
+};
+
+int Scan::run()
+{
+    for (;;) {
+        if (mifOutputStopped(context_->output)) {
+            context_->output.outputFull = 1;
+            return context_->output.failed == 0;
+        }
+        if (source_.scanPosition == source_.bufferEnd || source_.carryLength != 0) {
+            return 1;
+        }
+        const Step done = step();
+        if (done != Step::next) {
+            return done == Step::stop;
+        }
+    }
+}
+
+Step Scan::step()
+{
+    switch (*source_.scanPosition) {
+    case '<':
+        return startTag();
+    case '>':
+        return endTag();
+    case '#':
+        return comment();
+    case 'd':
+        return macro(defineWord, defineNotice);
+    case 'i':
+        return macro(includeWord, includeNotice);
+    default:
+        if (mifIsWhiteSpace(*source_.scanPosition)) {
+            return whiteSpaceAndComment();
+        }
+        return strayText();
+    }
+}
+
+// Takes the text up to `position` as read.
+void Scan::advance(char *position)
+{
+    const char *start = source_.scanPosition;
+    source_.scanPosition = position;
+    account(start);
+}
+
+// Lets the file position follow the scan position, which has moved on from `start`. In a replay it stands still.
+void Scan::account(const char *start)
+{
+    if (context_->replay.readingStretch == 0) {
+        source_.filePosition += static_cast<int32_t>(source_.scanPosition - start);
+    }
+}
+
+// The stretch ends inside the step: it is scanned again, from its first byte, when more text has been read. At the end
+// of the document there is none, and the rest is dropped.
+Step Scan::giveBack()
+{
+    if (mifMoreToRead(context_)) {
+        source_.carryLength = static_cast<int32_t>(source_.bufferEnd - source_.scanPosition);
+    } else {
+        source_.scanPosition = source_.bufferEnd;
+    }
+    return Step::stop;
+}
+
+// The first such byte from `from` on, or null.
+char *Scan::findByte(char *from, char byte) const
+{
+    return static_cast<char *>(memchr(from, byte, static_cast<size_t>(source_.bufferEnd - from)));
+}
+
+bool Scan::atWord(const char *cursor, std::string_view word) const
+{
+    return static_cast<size_t>(source_.bufferEnd - cursor) >= word.size() &&
+           memcmp(cursor, word.data(), word.size()) == 0;
+}
+
+// Whether the stretch ends inside the word.
+bool Scan::atCutWord(const char *cursor, std::string_view word) const
+{
+    const auto length = static_cast<size_t>(source_.bufferEnd - cursor);
+    return length < word.size() && memcmp(cursor, word.data(), length) == 0;
+}
+
+Step Scan::startTag()
+{
+    char *nameStart = source_.scanPosition + 1;
+    char *nameEnd = nameStart;
+    while (nameEnd < source_.bufferEnd && !mifByteIs(*nameEnd, BYTE_ENDS_NAME)) {
+        ++nameEnd;
+    }
+    context_->scanner.nameStart = nameStart;
+    context_->scanner.nameEnd = nameEnd;
+    if (nameEnd == source_.bufferEnd) {
+        return giveBack();
+    }
+    if (*nameEnd == '>') {
+        // `<Name>` has neither value nor content: no statement is opened.
+        advance(nameEnd + 1);
+        return Step::next;
+    }
+    char name[nameBufferSize];
+    const size_t length = std::min(static_cast<size_t>(nameEnd - nameStart), nameBufferSize - 1);
+    memcpy(name, nameStart, length);
+    name[length] = '\0';
+    if (mifProcessStartTag(context_, name, nameEnd + 1) == 0) {
+        return Step::fail;
+    }
+    return value(nameEnd + 1);
+}
+
+// From the start of a value, as long as no backquote has come.
+Step Scan::value(char *cursor)
+{
+    for (; cursor < source_.bufferEnd; ++cursor) {
+        if (!mifByteIs(*cursor, BYTE_STOPS_VALUE)) {
+            continue;
+        }
+        switch (*cursor) {
+        case '`':
+            return quotedValue(cursor + 1);
+        case '>':
+            return closeValue(cursor);
+        case '<':
+            return nestedStatement(cursor);
+        case '#':
+            return cutValue(cursor);
+        default:
+            if (atWord(cursor, defineWord) || atWord(cursor, includeWord)) {
+                return cutValue(cursor);
+            }
+        }
+    }
+    return undoStartTag();
+}
+
+// Behind a backquote only a `>` ends the value, and not one with a backslash before it. The quote's own end ends
+// nothing.
+Step Scan::quotedValue(char *cursor)
+{
+    while ((cursor = findByte(cursor, '>')) != nullptr) {
+        if (cursor[-1] != '\\') {
+            return closeValue(cursor);
+        }
+        ++cursor;
+    }
+    return undoStartTag();
+}
+
+Step Scan::closeValue(char *close)
+{
+    MifStatement *statement = context_->scanner.statementStack;
+    char *valueEnd = close - 1;
+    while (valueEnd >= statement->valueStart && *valueEnd == ' ') {
+        --valueEnd;
+    }
+    statement->valueEnd = valueEnd;
+    advance(close);
+    return Step::next;
+}
+
+Step Scan::nestedStatement(char *nested)
+{
+    context_->scanner.statementStack->valueStart = nullptr;
+    advance(nested);
+    return Step::next;
+}
+
+// A comment or a macro inside the value: the statement stays open but has no value.
+Step Scan::cutValue(char *cut)
+{
+    context_->scanner.statementStack->valueStart = nullptr;
+    advance(cut);
+    return Step::next;
+}
+
+// The stretch ends inside the value: the statement is opened anew after the next read, so its flag must be as before.
+Step Scan::undoStartTag()
+{
+    MifScannerState &scanner = context_->scanner;
+    if (scanner.insideFlag != nullptr) {
+        *scanner.insideFlag = scanner.insideFlagBefore;
+    }
+    mifProcessEndTag(context_, 0);
+    return giveBack();
+}
+
+Step Scan::endTag()
+{
+    mifProcessEndTag(context_, 1);
+    advance(source_.scanPosition + 1);
+    const MifReplayState &replay = context_->replay;
+    if (replay.suspendPending != 0) {
+        mifSuspendCurrentBuffer(context_);
+        return Step::stop;
+    }
+    if (replay.restorePending != 0 && replay.readingStretch != 0) {
+        mifRestoreCurrentBuffer(context_);
+        return Step::stop;
+    }
+    return whiteSpaceAndComment();
+}
+
+// The white space and the comment that may follow a statement.
+Step Scan::whiteSpaceAndComment()
+{
+    const char *start = source_.scanPosition;
+    if (start < source_.bufferEnd && mifIsWhiteSpace(*start)) {
+        mifEatWhiteSpace(context_);
+        account(start);
+    }
+    return source_.scanPosition < source_.bufferEnd && *source_.scanPosition == '#' ? comment() : Step::next;
+}
+
+Step Scan::comment()
+{
+    char *start = source_.scanPosition;
+    mifSkipComments(context_);
+    if (source_.carryLength != 0) {
+        source_.scanPosition = start;
+        return Step::stop;
+    }
+    account(start);
+    return Step::next;
+}
+
+// The word itself may be cut by the stretch's end; a macro that is cut later is scanned again, its notice written
+// again.
+Step Scan::macro(std::string_view word, std::string_view notice)
+{
+    char *cursor = source_.scanPosition;
+    if (atCutWord(cursor, word)) {
+        return giveBack();
+    }
+    if (!atWord(cursor, word)) {
+        return strayText();
+    }
+    mifWriteText(context_, notice.data(), notice.size());
+    char *close = findByte(cursor, ')');
+    if (close == nullptr) {
+        return giveBack();
+    }
+    advance(close + 1);
+    return whiteSpaceAndComment();
+}
+
+// Text outside of every value is ignored up to the end of its line: it becomes a comment, which stays one when the
+// stretch's end cuts it.
+Step Scan::strayText()
+{
+    *source_.scanPosition = '#';
+    return comment();
+}
+
+} // namespace
+
+int mifProcessBuffer(MifContext *context)
+{
+    return Scan(context).run();
+}
+
+int mifProcessStartTag(MifContext *context, const char *name, char *valueStart)
+{
+    MifScannerState &scanner = context->scanner;
+    const MifStatementEntry *row = mifFindStatement(context, name);
+    if (mifPushStatement(context, row->handler, valueStart) == nullptr) {
+        return 0;
+    }
+    scanner.insideFlag = nullptr;
+    if (row->insideFlag != nullptr) {
+        scanner.insideFlag = &row->insideFlag(*context);
+        scanner.insideFlagBefore = *scanner.insideFlag;
+        *scanner.insideFlag = 1;
+    }
+    if (row->handler == mifTbl) {
+        context->tables.tableStartPosition = context->source.filePosition;
+    }
+    return 1;
+}

@@ -1,0 +1,64 @@
+// The source buffer: reading stretches of the document, white space and comments.
+#ifndef MIFREADER_SRC_READER_SOURCE_H
+#define MIFREADER_SRC_READER_SOURCE_H
+
+#include <array>
+#include <cstdint>
+
+#include "reader/context.h"
+
+// What a byte means to the scanner, as bits.
+enum : uint8_t {
+    BYTE_WHITE_SPACE = 1, // blank, tab, line feed, vertical tab, form feed, carriage return
+    BYTE_ENDS_NAME = 2,   // white space or `>`
+    BYTE_STOPS_VALUE = 4  // outside quotes: backquote, `#`, `<`, `>`, and the first letters of define and include
+};
+
+inline constexpr std::array<uint8_t, 256> mifByteClasses = [] {
+    std::array<uint8_t, 256> classes{};
+    for (const unsigned char byte : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+        classes[byte] = BYTE_WHITE_SPACE | BYTE_ENDS_NAME;
+    }
+    classes['>'] = BYTE_ENDS_NAME | BYTE_STOPS_VALUE;
+    for (const unsigned char byte : {'`', '#', '<', 'd', 'i'}) {
+        classes[byte] = BYTE_STOPS_VALUE;
+    }
+    return classes;
+}();
+
+inline bool mifByteIs(char byte, uint8_t byteClass)
+{
+    return (mifByteClasses[static_cast<unsigned char>(byte)] & byteClass) != 0;
+}
+
+inline bool mifIsWhiteSpace(char byte)
+{
+    return mifByteIs(byte, BYTE_WHITE_SPACE);
+}
+
+// Whether the byte is a line feed or a carriage return.
+inline bool mifNewLine(char byte)
+{
+    return byte == '\n' || byte == '\r';
+}
+
+// Whether the stream may still deliver bytes behind the ones in the buffer.
+bool mifMoreToRead(const MifContext *context);
+
+// Reads the next stretch behind the carried bytes. Returns the number of bytes newly read, 0 at the end of the
+// document. Carried bytes that fill the whole buffer are given up first.
+int32_t mifReadSourceFile(MifContext *context);
+
+// Reads the document's first stretch, as much of it as the buffer holds in however many reads, so that the header is
+// whole.
+void mifReadFirstStretch(MifContext *context);
+
+// Skips the byte at the scan position, whatever it is, and the white space behind it. Returns the new scan position.
+char *mifEatWhiteSpace(MifContext *context);
+
+// Skips the comment whose `#` is at the scan position, its line end and the white space behind it. A comment that the
+// buffer's end cuts (its line end and one more byte must be there) is carried over if there is more to read: then the
+// scan position is the buffer's end, and the carry length counts from the `#`. Returns the new scan position.
+char *mifSkipComments(MifContext *context);
+
+#endif

@@ -1,0 +1,94 @@
+#include "reader/statement.h"
+
+#include "reader/host_memory.h"
+
+namespace
+{
+
+// A value's bytes, which lie in the source buffer; the one at `end` is free to be overwritten.
+struct ValueBytes {
+    char *begin;
+    char *end;
+};
+
+// Both null when the innermost statement has no value.
+ValueBytes valueBytes(const MifContext *context)
+{
+    const MifStatement *statement = context->scanner.statementStack;
+    if (statement == nullptr || statement->valueStart == nullptr || statement->valueEnd == nullptr) {
+        return {nullptr, nullptr};
+    }
+    return {statement->valueStart, statement->valueEnd + 1};
+}
+
+} // namespace
+
+MifStatement *mifPushStatement(MifContext *context, MifStatementHandler handler, char *valueStart)
+{
+    auto *statement = static_cast<MifStatement *>(mifAllocateBytes(context, sizeof(MifStatement)));
+    if (statement != nullptr) {
+        *statement = {handler, valueStart, nullptr, context->scanner.statementStack};
+        context->scanner.statementStack = statement;
+    }
+    return statement;
+}
+
+int mifProcessEndTag(MifContext *context, int runHandler)
+{
+    MifStatement *statement = context->scanner.statementStack;
+    if (statement == nullptr) {
+        return 1;
+    }
+    const int result = runHandler != 0 ? statement->handler(context) : 1;
+    context->scanner.statementStack = statement->enclosing;
+    mifRelease(context, statement);
+    return result;
+}
+
+void mifFreeMIFStatements(MifContext *context)
+{
+    while (context->scanner.statementStack != nullptr) {
+        mifProcessEndTag(context, 0);
+    }
+}
+
+char *mifValue(MifContext *context)
+{
+    const ValueBytes value = valueBytes(context);
+    if (value.begin != nullptr) {
+        *value.end = '\0';
+    }
+    return value.begin;
+}
+
+char *mifUnquotedValue(MifContext *context)
+{
+    ValueBytes value = valueBytes(context);
+    if (value.begin == nullptr) {
+        return nullptr;
+    }
+    if (value.begin < value.end && *value.begin == '`') {
+        ++value.begin;
+    }
+    if (value.begin < value.end && value.end[-1] == '\'') {
+        --value.end;
+    }
+    *value.end = '\0';
+    return value.begin;
+}
+
+char *mifStringValue(MifContext *context)
+{
+    ValueBytes value = valueBytes(context);
+    if (value.begin == nullptr) {
+        return nullptr;
+    }
+    if (value.begin < value.end) {
+        --value.end;
+    }
+    *value.end = '\0';
+    if (*value.begin == '`') {
+        ++value.begin;
+    }
+    return value.begin;
+}

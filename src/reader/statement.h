@@ -1,0 +1,30 @@
+// The stack of open statements, and the reading of a closing statement's value.
+#ifndef MIFREADER_SRC_READER_STATEMENT_H
+#define MIFREADER_SRC_READER_STATEMENT_H
+
+#include "reader/context.h"
+
+// Opens a statement: a new node becomes the innermost one. Returns null when memory is exhausted.
+MifStatement *mifPushStatement(MifContext *context, MifStatementHandler handler, char *valueStart);
+
+// Closes the innermost statement, with its handler run if runHandler is not 0. Returns the handler's result, and 1 when
+// no handler runs or no statement is open.
+int mifProcessEndTag(MifContext *context, int runHandler);
+
+// Closes every open statement, innermost first, without running handlers.
+void mifFreeMIFStatements(MifContext *context);
+
+// The value of the closing statement, for its handler: zero-terminated in the source buffer, where the handler may
+// change it, and valid until the handler returns. Null when the statement has no value. A handler calls one of them,
+// once.
+
+// The value as it stands.
+char *mifValue(MifContext *context);
+
+// Without a leading backquote, and without a straight quote at its end.
+char *mifUnquotedValue(MifContext *context);
+
+// Without a leading backquote, and without its last character whatever that is.
+char *mifStringValue(MifContext *context);
+
+#endif

@@ -1,0 +1,159 @@
+#include "reader/statement_table.h"
+
+#include <cstring>
+
+#include "frames/frames.h"
+#include "reader/header.h"
+#include "reader/host_memory.h"
+#include "reader/units.h"
+#include "tables/tables.h"
+#include "text/pages.h"
+#include "text/strings.h"
+
+namespace
+{
+
+template <auto group, auto flag>
+uint32_t &insideFlag(MifContext &context)
+{
+    return context.*group.*flag;
+}
+
+const MifStatementEntry unsupportedStatement = {"", mifUnsupportedMIFStatement, nullptr};
+
+} // namespace
+
+const MifStatementEntry MifStatementTable[statementCount] = {
+    {"TblCatalog", mifTblCatalog, nullptr},
+    {"TblFormat", mifTblFormat, insideFlag<&MifContext::tables, &MifTableState::inTblFormat>},
+    {"Tbl", mifTbl, nullptr},
+    {"Tbls", mifTbls, insideFlag<&MifContext::tables, &MifTableState::inTbls>},
+    {"TblID", mifTblID, nullptr},
+    {"Cell", mifCell, nullptr},
+    {"CellContent", mifCellContent, nullptr},
+    {"TblH", mifTblH, nullptr},
+    {"TblBody", mifTblBody, nullptr},
+    {"Row", mifRow, insideFlag<&MifContext::tables, &MifTableState::inRow>},
+    {"ATbl", mifATbl, nullptr},
+    {"TblNumColumns", mifUnsupportedMIFStatement, nullptr},
+    {"TblColumnWidth", mifUnsupportedMIFStatement, nullptr},
+    {"TblColumnWidthA", mifUnsupportedMIFStatement, nullptr},
+    {"EqualizeWidths", mifUnsupportedMIFStatement, nullptr},
+    {"TblColumnNum", mifUnsupportedMIFStatement, nullptr},
+    {"MIFFile", mifMIFFile, nullptr},
+    {"Para", mifPara, nullptr},
+    {"ParaLine", mifParaLine, nullptr},
+    {"String", mifString, nullptr},
+    {"MText", mifMText, nullptr},
+    {"MType", mifMType, nullptr},
+    {"Char", mifChar, nullptr},
+    {"VariableFormats", mifUnsupportedMIFStatement, nullptr},
+    {"VariableName", mifUnsupportedMIFStatement, nullptr},
+    {"VariableDef", mifUnsupportedMIFStatement, nullptr},
+    {"PgfCatalog", mifUnsupportedMIFStatement, nullptr},
+    {"Pgf", mifUnsupportedMIFStatement, nullptr},
+    {"PgfTag", mifUnsupportedMIFStatement, nullptr},
+    {"PgfNumString", mifUnsupportedMIFStatement, nullptr},
+    {"PgfFont", mifUnsupportedMIFStatement, nullptr},
+    {"TabStop", mifUnsupportedMIFStatement, nullptr},
+    {"PgfAlignment", mifUnsupportedMIFStatement, nullptr},
+    {"PgfLeading", mifUnsupportedMIFStatement, nullptr},
+    {"PgfFIndent", mifUnsupportedMIFStatement, nullptr},
+    {"PgfLIndent", mifUnsupportedMIFStatement, nullptr},
+    {"PgfRIndent", mifUnsupportedMIFStatement, nullptr},
+    {"PgfSpBefore", mifUnsupportedMIFStatement, nullptr},
+    {"PgfSpAfter", mifUnsupportedMIFStatement, nullptr},
+    {"PgfNumTabs", mifUnsupportedMIFStatement, nullptr},
+    {"TSX", mifUnsupportedMIFStatement, nullptr},
+    {"TSType", mifUnsupportedMIFStatement, nullptr},
+    {"Page", mifPage, insideFlag<&MifContext::pages, &MifPageState::inPage>},
+    {"PageNum", mifPageNum, nullptr},
+    {"PageSize", mifPageSize, nullptr},
+    {"PageType", mifPageType, nullptr},
+    {"TextRect", mifTextRect, insideFlag<&MifContext::pages, &MifPageState::inTextRect>},
+    {"TextRectID", mifTextRectID, nullptr},
+    {"AFrames", mifAFrames, insideFlag<&MifContext::frames, &MifFrameState::inAFrames>},
+    {"AFrame", mifUnsupportedMIFStatement, nullptr},
+    {"Frame", mifFrame, insideFlag<&MifContext::frames, &MifFrameState::inFrame>},
+    {"ID", mifID, nullptr},
+    {"ImportObject", mifUnsupportedMIFStatement, nullptr},
+    {"ShapeRect", mifUnsupportedMIFStatement, nullptr},
+    {"FrameType", mifUnsupportedMIFStatement, nullptr},
+    {"NSOffset", mifUnsupportedMIFStatement, nullptr},
+    {"AnchorAlign", mifUnsupportedMIFStatement, nullptr},
+    {"ImportObFileDI", mifUnsupportedMIFStatement, nullptr},
+    {"Units", mifUnits, nullptr},
+    {"Notes", mifNotes, insideFlag<&MifContext::pages, &MifPageState::inNotes>},
+    {"Unique", mifUnique, nullptr},
+    {"FontCatalog", mifUnsupportedMIFStatement, nullptr},
+    {"Font", mifUnsupportedMIFStatement, nullptr},
+    {"FTag", mifUnsupportedMIFStatement, nullptr},
+    {"FWeight", mifUnsupportedMIFStatement, nullptr},
+    {"FSize", mifUnsupportedMIFStatement, nullptr},
+    {"FFamily", mifUnsupportedMIFStatement, nullptr},
+    {"FAngle", mifUnsupportedMIFStatement, nullptr},
+    {"FUnderlining", mifUnsupportedMIFStatement, nullptr},
+    {"FUnderline", mifUnsupportedMIFStatement, nullptr},
+    {"FStrike", mifUnsupportedMIFStatement, nullptr},
+    {"FColor", mifUnsupportedMIFStatement, nullptr},
+    {"FPosition", mifUnsupportedMIFStatement, nullptr},
+    {"FSubScript", mifUnsupportedMIFStatement, nullptr},
+    {"FSupScript", mifUnsupportedMIFStatement, nullptr},
+    {"FCase", mifUnsupportedMIFStatement, nullptr},
+    {"FPlain", mifUnsupportedMIFStatement, nullptr},
+    {"FBold", mifUnsupportedMIFStatement, nullptr},
+    {"FItalic", mifUnsupportedMIFStatement, nullptr},
+};
+
+uint32_t mifHashValue(const char *name)
+{
+    uint32_t hash = 0;
+    for (; *name != '\0'; ++name) {
+        hash = hash * 37 + static_cast<unsigned char>(*name);
+    }
+    return hash % statementBucketCount;
+}
+
+int mifCreateHashTable(MifContext *context)
+{
+    for (const MifStatementEntry &row : MifStatementTable) {
+        auto *entry = mifAllocateZeroed<MifLookupEntry>(context);
+        if (entry == nullptr) {
+            return 0;
+        }
+        MifLookupEntry *&bucket = context->dispatch.statementBuckets[mifHashValue(row.name)];
+        *entry = {&row, bucket};
+        bucket = entry;
+    }
+    return 1;
+}
+
+void mifFreeHashTable(MifContext *context)
+{
+    for (MifLookupEntry *&bucket : context->dispatch.statementBuckets) {
+        while (bucket != nullptr) {
+            MifLookupEntry *entry = bucket;
+            bucket = entry->next;
+            mifRelease(context, entry);
+        }
+    }
+}
+
+const MifStatementEntry *mifFindStatement(const MifContext *context, const char *name)
+{
+    const MifLookupEntry *entry = context->dispatch.statementBuckets[mifHashValue(name)];
+    while (entry != nullptr && strcmp(entry->row->name, name) != 0) {
+        entry = entry->next;
+    }
+    return entry != nullptr ? entry->row : &unsupportedStatement;
+}
+
+MifStatementHandler mifGetTagFunction(const MifContext *context, const char *name)
+{
+    return mifFindStatement(context, name)->handler;
+}
+
+int mifUnsupportedMIFStatement(MifContext * /*context*/)
+{
+    return 1;
+}

@@ -1,0 +1,205 @@
+#include "reader/units.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+#include "reader/source.h"
+#include "reader/statement.h"
+
+namespace
+{
+
+struct Unit {
+    std::string_view name;
+    int32_t twips;
+};
+
+constexpr Unit suffixes[] = {
+    {"in", 1440},  {"\"", 1440}, {"cm", 567},   {"centimeter", 567}, {"mm", 57},    {"millimeter", 57}, {"pc", 240},
+    {"pica", 240}, {"pt", 20},   {"point", 20}, {"dd", 21},          {"didot", 21}, {"cc", 256},        {"cicero", 256},
+};
+
+constexpr Unit documentUnits[] = {
+    {"Uin", 1440}, {"Ucm", 567}, {"Umm", 57}, {"Upica", 240}, {"Upt", 20}, {"Udd", 21}, {"Ucc", 256},
+};
+
+// A text of this length or more names no unit.
+constexpr size_t longestMeasurement = 79;
+
+template <size_t count>
+int32_t findUnit(const Unit (&units)[count], std::string_view name)
+{
+    for (const Unit &unit : units) {
+        if (unit.name == name) {
+            return unit.twips;
+        }
+    }
+    return twipsPerInch;
+}
+
+// A minus sign is no part of the number here: a negative measurement is always in inches.
+int32_t twipsPerUnit(std::string_view text)
+{
+    const size_t suffix = text.find_first_not_of("0123456789. ");
+    if (suffix == std::string_view::npos || text.size() >= longestMeasurement) {
+        return twipsPerInch;
+    }
+    return findUnit(suffixes, text.substr(suffix));
+}
+
+bool isDigit(char byte)
+{
+    return byte >= '0' && byte <= '9';
+}
+
+bool isLetter(char byte)
+{
+    const char lower = static_cast<char>(byte | 0x20);
+    return lower >= 'a' && lower <= 'z';
+}
+
+// Past white space and a plus sign, which the standard conversions do not take.
+const char *skipToNumber(const char *text)
+{
+    while (mifIsWhiteSpace(*text)) {
+        ++text;
+    }
+    return text[0] == '+' && text[1] != '-' ? text + 1 : text;
+}
+
+// Whether a decimal number that no double holds is too large, not too small: the power of ten of its first digit,
+// without the exponent's, is counted on the digits.
+bool isHuge(const char *text, const char *end)
+{
+    int64_t power = 0;
+    bool significant = false;
+    bool fraction = false;
+    for (; text != end && *text != 'e' && *text != 'E'; ++text) {
+        if (*text == '.') {
+            fraction = true;
+        } else if (isDigit(*text)) {
+            significant = significant || *text != '0';
+            power += fraction ? (significant ? 0 : -1) : (significant ? 1 : 0);
+        }
+    }
+    return power + (text != end ? mifParseInteger(text + 1) : 0) > 0;
+}
+
+// The product of a number and a unit, exact before it is truncated.
+int32_t scaleToTwips(double number, int32_t unit)
+{
+    if (std::isnan(number)) {
+        return 0;
+    }
+    constexpr double limit = 2147483648.0;
+    if (number >= limit) {
+        return std::numeric_limits<int32_t>::max();
+    }
+    if (number <= -limit) {
+        return std::numeric_limits<int32_t>::min();
+    }
+    // 53 bits of the number and 11 of the unit: the product fits in 64 bits.
+    int exponent = 0;
+    const double mantissa = std::frexp(std::fabs(number), &exponent);
+    const auto digits = static_cast<uint64_t>(std::ldexp(mantissa, 53));
+    const int shift = 53 - exponent;
+    const uint64_t twips = shift < 64 ? (digits * static_cast<uint64_t>(unit)) >> shift : 0;
+    const int64_t result = number < 0 ? -static_cast<int64_t>(twips) : static_cast<int64_t>(twips);
+    if (result > std::numeric_limits<int32_t>::max()) {
+        return std::numeric_limits<int32_t>::max();
+    }
+    if (result < std::numeric_limits<int32_t>::min()) {
+        return std::numeric_limits<int32_t>::min();
+    }
+    return static_cast<int32_t>(result);
+}
+
+// The end of a measurement: the blank behind it, or the text's end. A blank between the number and its unit name
+// belongs to the measurement.
+const char *measurementEnd(const char *text)
+{
+    const char *blank = text + strcspn(text, " ");
+    const char *unit = blank + strspn(blank, " ");
+    return blank != text && isLetter(*unit) ? unit + strcspn(unit, " ") : blank;
+}
+
+const char *skipMeasurement(const char *text)
+{
+    const char *end = measurementEnd(text);
+    return *end == ' ' ? end + 1 : end;
+}
+
+} // namespace
+
+int32_t mifSetTwipsPerUnit(const char *text)
+{
+    return twipsPerUnit(text);
+}
+
+int32_t mifParseInteger(const char *text)
+{
+    text = skipToNumber(text);
+    const char *end = text + strlen(text);
+    int32_t value = 0;
+    if (std::from_chars(text, end, value).ec == std::errc::result_out_of_range) {
+        return *text == '-' ? std::numeric_limits<int32_t>::min() : std::numeric_limits<int32_t>::max();
+    }
+    return value;
+}
+
+double mifParseNumber(const char *text)
+{
+    text = skipToNumber(text);
+    const bool negative = *text == '-';
+    if (negative) {
+        ++text;
+        if (*text == '-') {
+            return 0;
+        }
+    }
+    auto format = std::chars_format::general;
+    if (text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        text += 2;
+        format = std::chars_format::hex;
+    }
+    double value = 0;
+    const auto [end, error] = std::from_chars(text, text + strlen(text), value, format);
+    if (error == std::errc::result_out_of_range) {
+        value = isHuge(text, end) ? std::numeric_limits<double>::infinity() : 0;
+    }
+    return negative ? -value : value;
+}
+
+int32_t mifParseTwips(const char *text)
+{
+    return scaleToTwips(mifParseNumber(text), mifSetTwipsPerUnit(text));
+}
+
+MifMeasurementList::MifMeasurementList(const char *value) : rest_(skipMeasurement(value)) {}
+
+int32_t MifMeasurementList::next()
+{
+    const char *measurement = rest_ + strspn(rest_, " ");
+    const std::string_view text(measurement, static_cast<size_t>(measurementEnd(measurement) - measurement));
+    const int32_t twips = scaleToTwips(mifParseNumber(measurement), twipsPerUnit(text));
+    rest_ = skipMeasurement(rest_);
+    return twips;
+}
+
+int mifUnits(MifContext *context)
+{
+    const char *value = mifValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    context->units.documentUnit = findUnit(documentUnits, value);
+    return 1;
+}
+
+int mifUnique(MifContext * /*context*/)
+{
+    return 1;
+}

@@ -1,0 +1,116 @@
+#include "tables/tables.h"
+
+#include <cstring>
+
+#include "reader/host_memory.h"
+#include "reader/statement.h"
+#include "reader/tokens.h"
+
+namespace
+{
+
+bool isWriting(const MifContext *context)
+{
+    return context->replay.readingStretch != 0 && context->pages.inBodyText != 0;
+}
+
+} // namespace
+
+int mifTblCatalog(MifContext * /*context*/)
+{
+    return 1;
+}
+
+int mifTbls(MifContext *context)
+{
+    context->tables.inTbls = 0;
+    context->replay.restorePending = 0;
+    return 1;
+}
+
+// Outside of a replay the pending return has no effect.
+int mifTbl(MifContext *context)
+{
+    context->replay.restorePending = 1;
+    return isWriting(context) ? mifWriteTableEnd(context) : 1;
+}
+
+int mifTblFormat(MifContext *context)
+{
+    context->tables.inTblFormat = 0;
+    return 1;
+}
+
+// In a replay the table is known already.
+int mifTblID(MifContext *context)
+{
+    const char *value = mifUnquotedValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    if (context->replay.readingStretch != 0) {
+        return 1;
+    }
+    auto *entry = mifAllocateZeroed<MifTableEntry>(context);
+    char *id = entry != nullptr ? mifCopyText(context, value) : nullptr;
+    if (id == nullptr) {
+        mifRelease(context, entry);
+        return 0;
+    }
+    entry->startOffset = context->tables.tableStartPosition;
+    entry->id = id;
+    context->tables.tblList.append(entry);
+    return 1;
+}
+
+// An anchor inside a table, in its definition or in its replay, is ignored: replays do not nest, so that no document
+// can multiply its own work.
+int mifATbl(MifContext *context)
+{
+    const char *value = mifUnquotedValue(context);
+    if (value == nullptr || context->replay.readingStretch != 0 || context->tables.inTbls != 0) {
+        return 0;
+    }
+    const MifTableEntry *entry =
+        context->tables.tblList.find([value](const MifTableEntry &table) { return strcmp(table.id, value) == 0; });
+    if (entry == nullptr) {
+        return 0;
+    }
+    context->replay.startPosition = entry->startOffset;
+    context->replay.suspendPending = 1;
+    return 1;
+}
+
+int mifTblH(MifContext * /*context*/)
+{
+    return 1;
+}
+
+int mifTblBody(MifContext * /*context*/)
+{
+    return 1;
+}
+
+int mifRow(MifContext *context)
+{
+    context->tables.inRow = 0;
+    return 1;
+}
+
+int mifCell(MifContext *context)
+{
+    return isWriting(context) ? mifWriteCellEnd(context) : 1;
+}
+
+int mifCellContent(MifContext * /*context*/)
+{
+    return 1;
+}
+
+void mifTblFreeTables(MifContext *context)
+{
+    while (MifTableEntry *entry = context->tables.tblList.takeFirst()) {
+        mifRelease(context, entry->id);
+        mifRelease(context, entry);
+    }
+}

@@ -1,0 +1,26 @@
+// Tables and their anchors.
+//
+// A document keeps its tables apart from the text. They are read twice: once in document order, without output, to note
+// where each table starts, and again at each anchor, by the replay, with output.
+#ifndef MIFREADER_SRC_TABLES_TABLES_H
+#define MIFREADER_SRC_TABLES_TABLES_H
+
+#include "reader/context.h"
+
+// Statement handlers.
+int mifTblCatalog(MifContext *context);
+int mifTbls(MifContext *context);
+int mifTbl(MifContext *context);
+int mifTblFormat(MifContext *context);
+int mifTblID(MifContext *context);
+int mifATbl(MifContext *context);
+int mifTblH(MifContext *context);
+int mifTblBody(MifContext *context);
+int mifRow(MifContext *context);
+int mifCell(MifContext *context);
+int mifCellContent(MifContext *context);
+
+// Releases everything that the tables of the document hold.
+void mifTblFreeTables(MifContext *context);
+
+#endif

@@ -1,0 +1,101 @@
+#include "text/pages.h"
+
+#include <cstring>
+
+#include "reader/host_memory.h"
+#include "reader/statement.h"
+#include "reader/units.h"
+
+int mifPage(MifContext *context)
+{
+    context->pages.inPage = 0;
+    context->pages.inBodyPage = 0;
+    return 1;
+}
+
+int mifPageType(MifContext *context)
+{
+    char *value = mifUnquotedValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    size_t length = strlen(value);
+    while (length > 0 && value[length - 1] == ' ') {
+        --length; // blanks before a closing quote
+    }
+    value[length] = '\0';
+    context->pages.inBodyPage = strcmp(value, "BodyPage") == 0;
+    return 1;
+}
+
+int mifPageNum(MifContext * /*context*/)
+{
+    return 1;
+}
+
+// Every page replaces the size, whatever its type.
+int mifPageSize(MifContext *context)
+{
+    const char *value = mifUnquotedValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    MifMeasurementList sizes(value);
+    context->pages.pageWidth = sizes.next();
+    context->pages.pageHeight = sizes.next();
+    return 1;
+}
+
+int mifTextRect(MifContext *context)
+{
+    context->pages.inTextRect = 0;
+    return 1;
+}
+
+// A line of text names the text rectangle it is placed in; only rectangles of body pages hold document text.
+int mifTextRectID(MifContext *context)
+{
+    const char *value = mifUnquotedValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    const int32_t id = mifParseInteger(value);
+    MifPageState &pages = context->pages;
+    pages.inBodyText = pages.bodyTextRects.find([id](const MifBodyTextRect &rect) { return rect.id == id; }) != nullptr;
+    return 1;
+}
+
+int mifNotes(MifContext *context)
+{
+    context->pages.inNotes = 0;
+    return 1;
+}
+
+int mifID(MifContext *context)
+{
+    MifPageState &pages = context->pages;
+    if (context->frames.inAFrames != 0 && context->frames.inFrame != 0) {
+        return 1;
+    }
+    if (pages.inBodyPage == 0 || pages.inTextRect == 0) {
+        return 1;
+    }
+    const char *value = mifValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    auto *rect = mifAllocateZeroed<MifBodyTextRect>(context);
+    if (rect == nullptr) {
+        return 0;
+    }
+    rect->id = mifParseInteger(value);
+    pages.bodyTextRects.append(rect);
+    return 1;
+}
+
+void mifFreeBodyPageTextRect(MifContext *context)
+{
+    while (MifBodyTextRect *rect = context->pages.bodyTextRects.takeFirst()) {
+        mifRelease(context, rect);
+    }
+}

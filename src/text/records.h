@@ -1,0 +1,35 @@
+// What the text family keeps: the text rectangles of the body pages and the flags that decide which text is document
+// text.
+#ifndef MIFREADER_SRC_TEXT_RECORDS_H
+#define MIFREADER_SRC_TEXT_RECORDS_H
+
+#include <cstdint>
+
+#include "reader/list.h"
+
+// A text rectangle of a body page. Text placed in it is document text.
+struct MifBodyTextRect {
+    int32_t id;
+    MifBodyTextRect *next;
+};
+
+// Pages, text rectangles and notes. Owned by pages.cpp; the scanner raises inPage, inTextRect and inNotes.
+struct MifPageState {
+    uint32_t inPage;
+    uint32_t inBodyPage;
+    uint32_t inTextRect;
+    uint32_t inNotes;
+    uint32_t inBodyText; // the current text rectangle belongs to a body page: text output is on
+    MifList<MifBodyTextRect> bodyTextRects;
+    int32_t pageWidth; // twips, as the margins
+    int32_t pageHeight;
+    int32_t topMargin;
+    int32_t bottomMargin;
+};
+
+// Owned by strings.cpp.
+struct MifTextState {
+    int32_t markerType; // of the most recent MType; never reset
+};
+
+#endif
