@@ -1,14 +1,60 @@
-// What the format family keeps: the format that the document asks for and the one that the output was last told.
+// What the format family keeps: both catalogs, the format that the document asks for and the one that the output was
+// last told.
 #ifndef MIFREADER_SRC_FORMATS_RECORDS_H
 #define MIFREADER_SRC_FORMATS_RECORDS_H
 
 #include <cstdint>
 
 #include "formats/style.h"
+#include "mifreader/reader.h"
+#include "reader/index.h"
+#include "reader/list.h"
 
+// What setting a property of currentStyle came to.
+enum class MifChange {
+    none,    // the field is as appliedStyle has it, or is not compared
+    differs, // it differs from appliedStyle
+    failed   // memory is exhausted
+};
+
+// Sets a property from a statement's unquoted value.
+using MifPropertyFunction = MifChange (*)(MifContext *context, const char *value);
+
+// One statement of a format's definition. Name and value are owned copies, the value without quotes and escapes.
+struct MifStoredStatement {
+    char *name;
+    char *value;
+    MifPropertyFunction property; // what selecting the format does with it; null for nothing
+    MifStoredStatement *next;
+};
+
+// A named format: the statements that defined it, in their order; the first is the tag.
+struct MifFormatEntry : MifIndexNode {
+    MifList<MifStoredStatement> statements;
+    MifFormatEntry *next;
+};
+
+struct MifFormatCatalog {
+    MifList<MifFormatEntry> entries; // in the order of their creation
+    MifIndex tags;
+    MifFormatEntry *defining; // the entry made last, which receives the statements while pending
+    uint32_t pending;         // an entry has been made and its definition is being stored
+};
+
+// The scanner raises the inside flags.
 struct MifFormatState {
+    MifFormatCatalog pgfCatalog;
+    MifFormatCatalog fontCatalog;
+    MifFormatEntry *currentPgf; // the paragraph format selected or made last
+    uint32_t inPgfCatalog;
+    uint32_t inPgf;
+    uint32_t inFontCatalog;
+    uint32_t inFont;
+    uint32_t styleChanged;          // currentStyle may differ from appliedStyle
+    uint32_t numStringPending;      // the number text has not been written yet
+    uint32_t numStringLevel;        // where its paragraph stands (paragraphs.cpp)
     MifParagraphStyle currentStyle; // what the document asks for
-    MifParagraphStyle appliedStyle; // what the output was last told
+    MifParagraphStyle appliedStyle; // what the output was last told; written by text/apply_format alone
 };
 
 #endif

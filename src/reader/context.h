@@ -22,6 +22,7 @@ struct MifContext {
     MifDispatchState dispatch;
     MifPageState pages;
     MifTextState text;
+    MifVariableState variables;
     MifFormatState formats;
     MifTableState tables;
     MifFrameState frames;

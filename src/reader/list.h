@@ -1,4 +1,5 @@
-// The one singly linked list of the reader: appended at the tail, searched from the head, where the first match wins.
+// The one singly linked list of the reader, appended at the tail. Records are found by their key through an index
+// (index.h), where the first one wins.
 #ifndef MIFREADER_SRC_READER_LIST_H
 #define MIFREADER_SRC_READER_LIST_H
 
@@ -22,17 +23,6 @@ struct MifList {
             tail->next = record;
         }
         tail = record;
-    }
-
-    // The first record for which `matches` is true, or null.
-    template <typename Predicate>
-    Record *find(Predicate matches) const
-    {
-        Record *record = head;
-        while (record != nullptr && !matches(*record)) {
-            record = record->next;
-        }
-        return record;
     }
 
     // Unlinks and returns the first record; null when the list is empty.

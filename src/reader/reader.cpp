@@ -1,6 +1,9 @@
 // The entry points: the library's table, and the life of a document's context.
 #include <cstring>
 
+#include "formats/fonts.h"
+#include "formats/paragraphs.h"
+#include "formats/tab_stops.h"
 #include "frames/object_file.h"
 #include "reader/context.h"
 #include "reader/header.h"
@@ -12,6 +15,7 @@
 #include "reader/units.h"
 #include "tables/tables.h"
 #include "text/pages.h"
+#include "text/variables.h"
 
 namespace
 {
@@ -106,10 +110,14 @@ int32_t mifFreeContext(MifContext *context)
     if (context == nullptr) {
         return MIF_FAILURE;
     }
+    mifFreeParagraphCatalogs(context);
+    mifFreeVariables(context);
     mifTblFreeTables(context);
     mifFreeMIFStatements(context);
+    mifFreeFontCatalog(context);
     mifFreeBodyPageTextRect(context);
     mifFreeHeader(context);
+    mifFreeTabArrays(context);
     mifFreeHashTable(context);
     mifFreeQueuedTokens(context);
     mifRelease(context, context);

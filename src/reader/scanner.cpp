@@ -4,6 +4,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "formats/fonts.h"
+#include "formats/paragraphs.h"
 #include "reader/replay.h"
 #include "reader/source.h"
 #include "reader/statement.h"
@@ -319,6 +321,20 @@ Step Scan::strayText()
     return comment();
 }
 
+// While a format's definition is being stored, its statements are kept instead of being carried out.
+MifStatementHandler handlerOf(const MifContext *context, const MifStatementEntry &row)
+{
+    const MifFormatState &formats = context->formats;
+    if (formats.inPgf != 0 && formats.pgfCatalog.pending != 0 && row.handler != mifPgfFont &&
+        row.handler != mifTabStop) {
+        return mifPgfStoreInformation;
+    }
+    if (formats.inFont != 0 && formats.fontCatalog.pending != 0) {
+        return mifFontStoreInformation;
+    }
+    return row.handler;
+}
+
 } // namespace
 
 int mifProcessBuffer(MifContext *context)
@@ -330,7 +346,7 @@ int mifProcessStartTag(MifContext *context, const char *name, char *valueStart)
 {
     MifScannerState &scanner = context->scanner;
     const MifStatementEntry *row = mifFindStatement(context, name);
-    if (mifPushStatement(context, row->handler, valueStart) == nullptr) {
+    if (mifPushStatement(context, handlerOf(context, *row), valueStart) == nullptr) {
         return 0;
     }
     scanner.insideFlag = nullptr;

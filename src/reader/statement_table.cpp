@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "formats/fonts.h"
+#include "formats/paragraphs.h"
 #include "frames/frames.h"
 #include "reader/header.h"
 #include "reader/host_memory.h"
@@ -9,6 +11,7 @@
 #include "tables/tables.h"
 #include "text/pages.h"
 #include "text/strings.h"
+#include "text/variables.h"
 
 namespace
 {
@@ -47,25 +50,25 @@ const MifStatementEntry MifStatementTable[statementCount] = {
     {"MText", mifMText, nullptr},
     {"MType", mifMType, nullptr},
     {"Char", mifChar, nullptr},
-    {"VariableFormats", mifUnsupportedMIFStatement, nullptr},
-    {"VariableName", mifUnsupportedMIFStatement, nullptr},
-    {"VariableDef", mifUnsupportedMIFStatement, nullptr},
-    {"PgfCatalog", mifUnsupportedMIFStatement, nullptr},
-    {"Pgf", mifUnsupportedMIFStatement, nullptr},
-    {"PgfTag", mifUnsupportedMIFStatement, nullptr},
-    {"PgfNumString", mifUnsupportedMIFStatement, nullptr},
-    {"PgfFont", mifUnsupportedMIFStatement, nullptr},
-    {"TabStop", mifUnsupportedMIFStatement, nullptr},
-    {"PgfAlignment", mifUnsupportedMIFStatement, nullptr},
-    {"PgfLeading", mifUnsupportedMIFStatement, nullptr},
-    {"PgfFIndent", mifUnsupportedMIFStatement, nullptr},
-    {"PgfLIndent", mifUnsupportedMIFStatement, nullptr},
-    {"PgfRIndent", mifUnsupportedMIFStatement, nullptr},
-    {"PgfSpBefore", mifUnsupportedMIFStatement, nullptr},
-    {"PgfSpAfter", mifUnsupportedMIFStatement, nullptr},
-    {"PgfNumTabs", mifUnsupportedMIFStatement, nullptr},
-    {"TSX", mifUnsupportedMIFStatement, nullptr},
-    {"TSType", mifUnsupportedMIFStatement, nullptr},
+    {"VariableFormats", mifVariableFormats, insideFlag<&MifContext::variables, &MifVariableState::inVariableFormats>},
+    {"VariableName", mifVariableName, nullptr},
+    {"VariableDef", mifVariableDef, nullptr},
+    {"PgfCatalog", mifPgfCatalog, insideFlag<&MifContext::formats, &MifFormatState::inPgfCatalog>},
+    {"Pgf", mifPgf, insideFlag<&MifContext::formats, &MifFormatState::inPgf>},
+    {"PgfTag", mifPgfTag, nullptr},
+    {"PgfNumString", mifPgfNumString, nullptr},
+    {"PgfFont", mifPgfFont, nullptr},
+    {"TabStop", mifTabStop, nullptr},
+    {"PgfAlignment", mifPgfAlignment, nullptr},
+    {"PgfLeading", mifPgfLeading, nullptr},
+    {"PgfFIndent", mifPgfFIndent, nullptr},
+    {"PgfLIndent", mifPgfLIndent, nullptr},
+    {"PgfRIndent", mifPgfRIndent, nullptr},
+    {"PgfSpBefore", mifPgfSpBefore, nullptr},
+    {"PgfSpAfter", mifPgfSpAfter, nullptr},
+    {"PgfNumTabs", mifPgfNumTabs, nullptr},
+    {"TSX", mifTSX, nullptr},
+    {"TSType", mifTSType, nullptr},
     {"Page", mifPage, insideFlag<&MifContext::pages, &MifPageState::inPage>},
     {"PageNum", mifPageNum, nullptr},
     {"PageSize", mifPageSize, nullptr},
@@ -85,24 +88,24 @@ const MifStatementEntry MifStatementTable[statementCount] = {
     {"Units", mifUnits, nullptr},
     {"Notes", mifNotes, insideFlag<&MifContext::pages, &MifPageState::inNotes>},
     {"Unique", mifUnique, nullptr},
-    {"FontCatalog", mifUnsupportedMIFStatement, nullptr},
-    {"Font", mifUnsupportedMIFStatement, nullptr},
-    {"FTag", mifUnsupportedMIFStatement, nullptr},
-    {"FWeight", mifUnsupportedMIFStatement, nullptr},
-    {"FSize", mifUnsupportedMIFStatement, nullptr},
-    {"FFamily", mifUnsupportedMIFStatement, nullptr},
-    {"FAngle", mifUnsupportedMIFStatement, nullptr},
-    {"FUnderlining", mifUnsupportedMIFStatement, nullptr},
-    {"FUnderline", mifUnsupportedMIFStatement, nullptr},
-    {"FStrike", mifUnsupportedMIFStatement, nullptr},
-    {"FColor", mifUnsupportedMIFStatement, nullptr},
-    {"FPosition", mifUnsupportedMIFStatement, nullptr},
-    {"FSubScript", mifUnsupportedMIFStatement, nullptr},
-    {"FSupScript", mifUnsupportedMIFStatement, nullptr},
-    {"FCase", mifUnsupportedMIFStatement, nullptr},
-    {"FPlain", mifUnsupportedMIFStatement, nullptr},
-    {"FBold", mifUnsupportedMIFStatement, nullptr},
-    {"FItalic", mifUnsupportedMIFStatement, nullptr},
+    {"FontCatalog", mifFontCatalog, insideFlag<&MifContext::formats, &MifFormatState::inFontCatalog>},
+    {"Font", mifFont, insideFlag<&MifContext::formats, &MifFormatState::inFont>},
+    {"FTag", mifFTag, nullptr},
+    {"FWeight", mifFWeight, nullptr},
+    {"FSize", mifFSize, nullptr},
+    {"FFamily", mifFFamily, nullptr},
+    {"FAngle", mifFAngle, nullptr},
+    {"FUnderlining", mifFUnderlining, nullptr},
+    {"FUnderline", mifFUnderlining, nullptr},
+    {"FStrike", mifFStrike, nullptr},
+    {"FColor", mifFColor, nullptr},
+    {"FPosition", mifFPosition, nullptr},
+    {"FSubScript", mifFSubScript, nullptr},
+    {"FSupScript", mifFSupScript, nullptr},
+    {"FCase", mifFCase, nullptr},
+    {"FPlain", mifFPlain, nullptr},
+    {"FBold", mifFBold, nullptr},
+    {"FItalic", mifFItalic, nullptr},
 };
 
 uint32_t mifHashValue(const char *name)

@@ -30,7 +30,7 @@ uint8_t *storeI32(uint8_t *place, int32_t value)
 }
 
 // A place in the queue for a token that does not fit, or null when the token is lost.
-uint8_t *queueToken(MifContext *context, uint32_t length)
+uint8_t *queueToken(MifContext *context, uint64_t length)
 {
     MifOutputState &output = context->output;
     output.outputEnd = output.outputPosition; // so that no later token overtakes this one
@@ -38,23 +38,24 @@ uint8_t *queueToken(MifContext *context, uint32_t length)
         output.failed = 1;
         return nullptr;
     }
-    auto *token = static_cast<MifQueuedToken *>(mifAllocateBytes(context, sizeof(MifQueuedToken) + length));
+    auto *token =
+        static_cast<MifQueuedToken *>(mifAllocateBytes(context, sizeof(MifQueuedToken) + static_cast<size_t>(length)));
     if (token == nullptr) {
         output.failed = 1;
         return nullptr;
     }
     token->next = nullptr;
-    token->length = length;
+    token->length = static_cast<uint32_t>(length);
     output.queue.append(token);
     return reinterpret_cast<uint8_t *>(token + 1);
 }
 
 // Begins a token of `length` bytes: the place of its payload, or null when the token is lost.
-uint8_t *beginToken(MifContext *context, uint8_t code, uint32_t length)
+uint8_t *beginToken(MifContext *context, uint8_t code, uint64_t length)
 {
     MifOutputState &output = context->output;
     uint8_t *place = output.outputPosition;
-    if (length <= static_cast<size_t>(output.outputEnd - place)) {
+    if (length <= static_cast<uint64_t>(output.outputEnd - place)) {
         output.outputPosition = place + length;
     } else {
         place = queueToken(context, length);
@@ -62,7 +63,7 @@ uint8_t *beginToken(MifContext *context, uint8_t code, uint32_t length)
             return nullptr;
         }
     }
-    return storeU32(storeU8(place, code), length);
+    return storeU32(storeU8(place, code), static_cast<uint32_t>(length));
 }
 
 // A token without payload.
@@ -155,6 +156,64 @@ int mifWriteText(MifContext *context, const char *text, size_t length)
         return 0;
     }
     memcpy(storeU32(place, textLength), text, length);
+    return 1;
+}
+
+int mifWriteParaFormat(MifContext *context, const MifParagraphStyle &style)
+{
+    uint8_t *place = beginToken(context, TOKEN_PARA_FORMAT, MIF_TOKEN_HEADER_SIZE + 13);
+    if (place == nullptr) {
+        return 0;
+    }
+    for (const int32_t indent : {style.leftIndent, style.rightIndent, style.firstIndent}) {
+        place = storeI32(place, indent);
+    }
+    storeU8(place, static_cast<uint32_t>(style.alignment));
+    return 1;
+}
+
+int mifWriteLineSpacing(MifContext *context, uint8_t lineSpacing)
+{
+    return writeByteToken(context, TOKEN_LINE_SPACING, lineSpacing);
+}
+
+int mifWriteFont(MifContext *context, const MifParagraphStyle &style)
+{
+    uint8_t *place = beginToken(context, TOKEN_FONT, MIF_TOKEN_HEADER_SIZE + 8);
+    if (place == nullptr) {
+        return 0;
+    }
+    storeI32(storeI32(place, style.hostFontNumber), style.fontSize);
+    return 1;
+}
+
+int mifWriteAttribute(MifContext *context, uint32_t value)
+{
+    return writeNumberToken(context, TOKEN_ATTRIBUTE, value);
+}
+
+int mifWriteTextColor(MifContext *context, uint32_t color)
+{
+    uint8_t *place = beginToken(context, TOKEN_TEXT_COLOR, MIF_TOKEN_HEADER_SIZE + 5);
+    if (place == nullptr) {
+        return 0;
+    }
+    storeU32(storeU8(place, 0), color);
+    return 1;
+}
+
+int mifWriteTabStops(MifContext *context, const MifParagraphStyle &style)
+{
+    const auto count = static_cast<uint32_t>(style.tabCount);
+    uint8_t *place = beginToken(context, TOKEN_TAB_STOPS, MIF_TOKEN_HEADER_SIZE + 4 + uint64_t{count} * 5);
+    if (place == nullptr) {
+        return 0;
+    }
+    place = storeU32(place, count);
+    for (uint32_t stop = 0; stop < count; ++stop) {
+        place = storeU8(place, static_cast<uint32_t>(style.tabKinds[stop]));
+        place = storeI32(place, style.tabPositions[stop]);
+    }
     return 1;
 }
 

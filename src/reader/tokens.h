@@ -31,6 +31,12 @@ void mifFreeQueuedTokens(MifContext *context);
 int mifWritePreamble(MifContext *context);
 
 int mifWriteText(MifContext *context, const char *text, size_t length);
+int mifWriteParaFormat(MifContext *context, const MifParagraphStyle &style);
+int mifWriteLineSpacing(MifContext *context, uint8_t lineSpacing);
+int mifWriteFont(MifContext *context, const MifParagraphStyle &style);
+int mifWriteAttribute(MifContext *context, uint32_t value);
+int mifWriteTextColor(MifContext *context, uint32_t color);
+int mifWriteTabStops(MifContext *context, const MifParagraphStyle &style);
 int mifWriteTab(MifContext *context);
 int mifWriteLineBreak(MifContext *context);
 int mifWriteParaEnd(MifContext *context);

@@ -4,10 +4,11 @@
 
 #include <cstdint>
 
+#include "reader/index.h"
 #include "reader/list.h"
 
 // A table of the document, known by the text of its ID. Its content is read anew at every anchor.
-struct MifTableEntry {
+struct MifTableEntry : MifIndexNode {
     int32_t startOffset; // of the `<` of its Tbl statement
     char *id;            // owned
     MifTableEntry *next;
@@ -20,6 +21,7 @@ struct MifTableState {
     uint32_t inRow;
     int32_t tableStartPosition; // file position of the `<` of the table being read
     MifList<MifTableEntry> tblList;
+    MifIndex tblIDs;
     uint32_t rowConstants[4]; // written into every row layout
 };
 

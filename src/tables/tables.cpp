@@ -60,6 +60,7 @@ int mifTblID(MifContext *context)
     entry->startOffset = context->tables.tableStartPosition;
     entry->id = id;
     context->tables.tblList.append(entry);
+    context->tables.tblIDs.insert(entry, id, strlen(id));
     return 1;
 }
 
@@ -71,8 +72,7 @@ int mifATbl(MifContext *context)
     if (value == nullptr || context->replay.readingStretch != 0 || context->tables.inTbls != 0) {
         return 0;
     }
-    const MifTableEntry *entry =
-        context->tables.tblList.find([value](const MifTableEntry &table) { return strcmp(table.id, value) == 0; });
+    const auto *entry = static_cast<MifTableEntry *>(context->tables.tblIDs.find(value, strlen(value)));
     if (entry == nullptr) {
         return 0;
     }
@@ -113,4 +113,5 @@ void mifTblFreeTables(MifContext *context)
         mifRelease(context, entry->id);
         mifRelease(context, entry);
     }
+    context->tables.tblIDs.clear();
 }

@@ -61,7 +61,7 @@ int mifTextRectID(MifContext *context)
     }
     const int32_t id = mifParseInteger(value);
     MifPageState &pages = context->pages;
-    pages.inBodyText = pages.bodyTextRects.find([id](const MifBodyTextRect &rect) { return rect.id == id; }) != nullptr;
+    pages.inBodyText = pages.bodyTextRectIDs.find(reinterpret_cast<const char *>(&id), sizeof(id)) != nullptr;
     return 1;
 }
 
@@ -90,6 +90,7 @@ int mifID(MifContext *context)
     }
     rect->id = mifParseInteger(value);
     pages.bodyTextRects.append(rect);
+    pages.bodyTextRectIDs.insert(rect, reinterpret_cast<const char *>(&rect->id), sizeof(rect->id));
     return 1;
 }
 
@@ -98,4 +99,5 @@ void mifFreeBodyPageTextRect(MifContext *context)
     while (MifBodyTextRect *rect = context->pages.bodyTextRects.takeFirst()) {
         mifRelease(context, rect);
     }
+    context->pages.bodyTextRectIDs.clear();
 }

@@ -1,14 +1,15 @@
-// What the text family keeps: the text rectangles of the body pages and the flags that decide which text is document
-// text.
+// What the text family keeps: the text rectangles of the body pages, the flags that decide which text is document text,
+// and the variables.
 #ifndef MIFREADER_SRC_TEXT_RECORDS_H
 #define MIFREADER_SRC_TEXT_RECORDS_H
 
 #include <cstdint>
 
+#include "reader/index.h"
 #include "reader/list.h"
 
 // A text rectangle of a body page. Text placed in it is document text.
-struct MifBodyTextRect {
+struct MifBodyTextRect : MifIndexNode {
     int32_t id;
     MifBodyTextRect *next;
 };
@@ -21,6 +22,7 @@ struct MifPageState {
     uint32_t inNotes;
     uint32_t inBodyText; // the current text rectangle belongs to a body page: text output is on
     MifList<MifBodyTextRect> bodyTextRects;
+    MifIndex bodyTextRectIDs;
     int32_t pageWidth; // twips, as the margins
     int32_t pageHeight;
     int32_t topMargin;
@@ -30,6 +32,21 @@ struct MifPageState {
 // Owned by strings.cpp.
 struct MifTextState {
     int32_t markerType; // of the most recent MType; never reset
+};
+
+// Name and definition are owned copies, with their escapes; the definition has no building blocks and is null until it
+// comes.
+struct MifVariable : MifIndexNode {
+    char *name;
+    char *definition;
+    MifVariable *next;
+};
+
+// Owned by variables.cpp; the scanner raises inVariableFormats.
+struct MifVariableState {
+    uint32_t inVariableFormats;
+    MifList<MifVariable> variableCatalog; // in the order of declaration
+    MifIndex names;
 };
 
 #endif

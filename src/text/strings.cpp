@@ -2,9 +2,11 @@
 
 #include <cstring>
 
+#include "formats/paragraphs.h"
 #include "reader/statement.h"
 #include "reader/tokens.h"
 #include "reader/units.h"
+#include "text/apply_format.h"
 #include "text/conversion.h"
 
 namespace
@@ -45,6 +47,12 @@ bool isBreakSuppressed(const MifContext *context)
     return isStringSuppressed(context) || context->tables.inTblFormat != 0;
 }
 
+// Writes the format that waits. Returns false when memory is exhausted: the text must not be written then.
+bool isFormatApplied(MifContext *context)
+{
+    return context->formats.styleChanged == 0 || mifApplyParagraphStyle(context) != 0;
+}
+
 } // namespace
 
 int mifString(MifContext *context)
@@ -57,10 +65,10 @@ int mifString(MifContext *context)
         return 0;
     }
     mifConvertString(context, text);
-    if (context->pages.inBodyText == 0) {
-        return 1;
+    if (!isFormatApplied(context)) {
+        return 0;
     }
-    return mifWriteText(context, text, strlen(text));
+    return context->pages.inBodyText != 0 ? mifWriteText(context, text, strlen(text)) : 1;
 }
 
 int mifChar(MifContext *context)
@@ -69,7 +77,7 @@ int mifChar(MifContext *context)
         return 1;
     }
     const char *name = mifValue(context);
-    if (name == nullptr) {
+    if (name == nullptr || !isFormatApplied(context)) {
         return 0;
     }
     if (context->pages.inBodyText != 0) {
@@ -100,10 +108,15 @@ int mifCharEx(MifContext *context, const char *name)
     return 0;
 }
 
+// A format that waits is not written at a paragraph's end, but with the next text.
 int mifPara(MifContext *context)
 {
+    mifDropNumString(context);
     if (isBreakSuppressed(context) || context->pages.inBodyText == 0) {
         return 1;
+    }
+    if (context->formats.appliedStyle.modes != 0) {
+        context->formats.styleChanged = static_cast<uint32_t>(mifClearModes(context));
     }
     return mifWriteLineBreak(context) && mifWriteParaEnd(context);
 }

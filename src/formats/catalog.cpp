@@ -1,0 +1,99 @@
+#include "formats/catalog.h"
+
+#include <cstring>
+
+#include "formats/properties.h"
+#include "reader/host_memory.h"
+#include "reader/statement.h"
+#include "text/conversion.h"
+
+namespace
+{
+
+// The name of the statement opened last: for a statement with a value that is the closing one.
+char *copyStatementName(MifContext *context)
+{
+    const MifScannerState &scanner = context->scanner;
+    const auto length = static_cast<size_t>(scanner.nameEnd - scanner.nameStart);
+    auto *name = static_cast<char *>(mifAllocateBytes(context, length + 1));
+    if (name != nullptr) {
+        memcpy(name, scanner.nameStart, length);
+        name[length] = '\0';
+    }
+    return name;
+}
+
+void releaseStatement(MifContext *context, MifStoredStatement *statement)
+{
+    mifRelease(context, statement->name);
+    mifRelease(context, statement->value);
+    mifRelease(context, statement);
+}
+
+// Null when memory is exhausted.
+MifStoredStatement *makeStatement(MifContext *context, const char *value)
+{
+    auto *statement = mifAllocateZeroed<MifStoredStatement>(context);
+    if (statement == nullptr) {
+        return nullptr;
+    }
+    statement->name = copyStatementName(context);
+    statement->value = mifCopyText(context, value);
+    if (statement->name == nullptr || statement->value == nullptr) {
+        releaseStatement(context, statement);
+        return nullptr;
+    }
+    statement->property = mifFindProperty(statement->name);
+    return statement;
+}
+
+} // namespace
+
+MifFormatEntry *mifFindFormat(const MifFormatCatalog &catalog, const char *tag)
+{
+    const size_t length = strlen(tag);
+    return length != 0 ? static_cast<MifFormatEntry *>(catalog.tags.find(tag, length)) : nullptr;
+}
+
+MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, const char *tag)
+{
+    auto *entry = mifAllocateZeroed<MifFormatEntry>(context);
+    MifStoredStatement *statement = entry != nullptr ? makeStatement(context, tag) : nullptr;
+    if (statement == nullptr) {
+        mifRelease(context, entry);
+        return nullptr;
+    }
+    entry->statements.append(statement);
+    catalog.entries.append(entry);
+    catalog.tags.insert(entry, statement->value, strlen(statement->value));
+    catalog.defining = entry;
+    catalog.pending = 1;
+    return entry;
+}
+
+int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog)
+{
+    char *value = mifUnquotedValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    mifConvertString(context, value);
+    MifStoredStatement *statement = makeStatement(context, value);
+    if (statement == nullptr) {
+        return 0;
+    }
+    catalog.defining->statements.append(statement);
+    return 1;
+}
+
+void mifFreeFormats(MifContext *context, MifFormatCatalog &catalog)
+{
+    while (MifFormatEntry *entry = catalog.entries.takeFirst()) {
+        while (MifStoredStatement *statement = entry->statements.takeFirst()) {
+            releaseStatement(context, statement);
+        }
+        mifRelease(context, entry);
+    }
+    catalog.tags.clear();
+    catalog.defining = nullptr;
+}

@@ -1,0 +1,20 @@
+// Named formats, kept as the plain list of statements that defined them. Both catalogs work alike.
+#ifndef MIFREADER_SRC_FORMATS_CATALOG_H
+#define MIFREADER_SRC_FORMATS_CATALOG_H
+
+#include "reader/context.h"
+
+// The first entry with that tag; null when there is none or the tag is empty.
+MifFormatEntry *mifFindFormat(const MifFormatCatalog &catalog, const char *tag);
+
+// Appends an entry of that tag, whose definition is from now on being stored. Its first statement is the tag, under the
+// name of the statement opened last. Returns the entry, or null when memory is exhausted: then nothing has changed.
+MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, const char *tag);
+
+// Appends the closing statement to the entry being defined. Returns 1, or 0 when it has no value or memory is
+// exhausted.
+int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog);
+
+void mifFreeFormats(MifContext *context, MifFormatCatalog &catalog);
+
+#endif

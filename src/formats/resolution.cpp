@@ -1,0 +1,23 @@
+#include "formats/resolution.h"
+
+int mifPgfSetParagraphStyle(MifContext *context)
+{
+    MifFormatState &formats = context->formats;
+    if (formats.currentPgf == nullptr) {
+        return 1;
+    }
+    bool differs = false;
+    const MifStoredStatement *statement = formats.currentPgf->statements.head;
+    for (; statement != nullptr; statement = statement->next) {
+        if (statement->property == nullptr) {
+            continue;
+        }
+        const MifChange change = statement->property(context, statement->value);
+        if (change == MifChange::failed) {
+            return 0;
+        }
+        differs = differs || change == MifChange::differs;
+    }
+    formats.styleChanged = differs || formats.currentStyle.modes != formats.appliedStyle.modes ? 1 : 0;
+    return 1;
+}

@@ -1,0 +1,125 @@
+#include "text/variables.h"
+
+#include <cstring>
+
+#include "reader/host_memory.h"
+#include "reader/statement.h"
+#include "reader/tokens.h"
+#include "text/apply_format.h"
+#include "text/conversion.h"
+
+namespace
+{
+
+// The value without its first and last character, whatever they are; null when there is no value.
+char *innerValue(MifContext *context)
+{
+    char *value = mifStringValue(context);
+    if (value != nullptr && value == context->scanner.statementStack->valueStart && *value != '\0') {
+        ++value;
+    }
+    return value;
+}
+
+int declareVariable(MifContext *context, const char *name)
+{
+    auto *variable = mifAllocateZeroed<MifVariable>(context);
+    char *copy = variable != nullptr ? mifCopyText(context, name) : nullptr;
+    if (copy == nullptr) {
+        mifRelease(context, variable);
+        return 0;
+    }
+    variable->name = copy;
+    context->variables.variableCatalog.append(variable);
+    context->variables.names.insert(variable, copy, strlen(copy));
+    return 1;
+}
+
+// The catalog keeps its escapes, so that every reference gives the same.
+int writeDefinition(MifContext *context, const char *definition)
+{
+    char *text = mifCopyText(context, definition);
+    if (text == nullptr) {
+        return 0;
+    }
+    mifConvertString(context, text);
+    const bool applied = context->formats.styleChanged == 0 || mifApplyParagraphStyle(context) != 0;
+    if (applied && context->pages.inBodyText != 0) {
+        mifWriteText(context, text, strlen(text));
+    }
+    mifRelease(context, text);
+    return applied;
+}
+
+} // namespace
+
+int mifVariableFormats(MifContext *context)
+{
+    context->variables.inVariableFormats = 0;
+    return 1;
+}
+
+int mifVariableName(MifContext *context)
+{
+    const char *name = innerValue(context);
+    if (name == nullptr) {
+        return 0;
+    }
+    if (context->variables.inVariableFormats != 0) {
+        return declareVariable(context, name);
+    }
+    const auto *variable = static_cast<MifVariable *>(context->variables.names.find(name, strlen(name)));
+    if (variable == nullptr || variable->definition == nullptr) {
+        return 0;
+    }
+    return writeDefinition(context, variable->definition);
+}
+
+// A definition belongs to the variable declared last, wherever it stands.
+int mifVariableDef(MifContext *context)
+{
+    char *value = innerValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    mifProcessEmbeddedVariables(value);
+    MifVariable *variable = context->variables.variableCatalog.tail;
+    char *definition = variable != nullptr ? mifCopyText(context, value) : nullptr;
+    if (definition == nullptr) {
+        return 0;
+    }
+    mifRelease(context, variable->definition);
+    variable->definition = definition;
+    return 1;
+}
+
+size_t mifProcessEmbeddedVariables(char *text)
+{
+    const char *read = text;
+    char *write = text;
+    while (*read != '\0') {
+        const char *block = *read == '<' ? strchr(read, '>') : nullptr;
+        if (block != nullptr) {
+            read = block + 1;
+        } else if (*read == '<') {
+            const size_t rest = strlen(read);
+            memmove(write, read, rest);
+            read += rest;
+            write += rest;
+        } else {
+            *write++ = *read++;
+        }
+    }
+    *write = '\0';
+    return static_cast<size_t>(write - text);
+}
+
+void mifFreeVariables(MifContext *context)
+{
+    while (MifVariable *variable = context->variables.variableCatalog.takeFirst()) {
+        mifRelease(context, variable->name);
+        mifRelease(context, variable->definition);
+        mifRelease(context, variable);
+    }
+    context->variables.names.clear();
+}

@@ -1,0 +1,21 @@
+// Variables: declared once with a definition, referred to by name in the text. Building blocks in a definition stand
+// for values that the reader cannot know; they are removed.
+#ifndef MIFREADER_SRC_TEXT_VARIABLES_H
+#define MIFREADER_SRC_TEXT_VARIABLES_H
+
+#include <cstddef>
+
+#include "reader/context.h"
+
+// Statement handlers. A VariableName declares a variable inside VariableFormats and refers to one everywhere else.
+int mifVariableFormats(MifContext *context);
+int mifVariableName(MifContext *context);
+int mifVariableDef(MifContext *context);
+
+// Removes the building blocks from the zero-terminated text, in place. Returns its new length. A `<` without a `>`
+// behind it begins no block.
+size_t mifProcessEmbeddedVariables(char *text);
+
+void mifFreeVariables(MifContext *context);
+
+#endif
