@@ -14,13 +14,7 @@ namespace
 char *copyStatementName(MifContext *context)
 {
     const MifScannerState &scanner = context->scanner;
-    const auto length = static_cast<size_t>(scanner.nameEnd - scanner.nameStart);
-    auto *name = static_cast<char *>(mifAllocateBytes(context, length + 1));
-    if (name != nullptr) {
-        memcpy(name, scanner.nameStart, length);
-        name[length] = '\0';
-    }
-    return name;
+    return mifCopyBytes(context, scanner.nameStart, static_cast<size_t>(scanner.nameEnd - scanner.nameStart));
 }
 
 void releaseStatement(MifContext *context, MifStoredStatement *statement)

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "formats/tab_stops.h"
 #include "mifreader/tokens.h"
@@ -353,7 +352,5 @@ void mifRegisterFont(MifContext *context)
 
 int32_t mifScaleFontSize(int32_t size, int32_t numerator, int32_t denominator)
 {
-    const int64_t scaled = int64_t{size} * numerator / denominator;
-    return static_cast<int32_t>(
-        std::clamp<int64_t>(scaled, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+    return mifSaturate(int64_t{size} * numerator / denominator);
 }

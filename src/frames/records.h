@@ -1,13 +1,64 @@
-// What the frame family keeps.
+// What the frame family keeps: the frames, the scan of an imported object's data, and the object that the host has
+// open.
 #ifndef MIFREADER_SRC_FRAMES_RECORDS_H
 #define MIFREADER_SRC_FRAMES_RECORDS_H
 
 #include <cstdint>
 
-// Owned by frames.cpp; the scanner raises the flags.
+#include "reader/index.h"
+#include "reader/list.h"
+
+// What is known of the data of a frame's imported object. All of it goes back when a line has to be scanned again.
+struct MifObjectData {
+    uint32_t kind;           // 2 when data are embedded
+    int32_t dataStart;       // stream position behind the `&` of the first data line; 0 for no data
+    int32_t dataLength;      // decoded bytes of the first facet
+    uint32_t facetSeen;      // the first facet has begun
+    uint32_t laterFacetSeen; // and a further one, whose data do not count
+    uint32_t skipData;       // in the data of a further facet
+    uint32_t percentSeen;    // the facet's `&%` line has come
+    uint8_t percentChar;     // the character behind it
+};
+
+// An anchored frame. Positions and sizes are twips.
+struct MifFrameRecord : MifIndexNode {
+    int32_t id;
+    int32_t x;
+    int32_t y;
+    int32_t width;
+    int32_t height;
+    MifObjectData object;
+    char *facetName; // of the first facet, owned, null for none
+    char *fileName;  // the file reference, owned, null for none
+    MifFrameRecord *next;
+};
+
+// An object that the host has opened. Its state is apart from the frame's, so that reading it disturbs no scan.
+struct MifObjectFile {
+    const MifFrameRecord *frame;  // null when nothing is open
+    int32_t streamReturnPosition; // where the stream belongs when the host is done
+    int32_t readCursor;           // stream position where the next read decodes
+    int32_t rawPosition;          // where the last read or skip came to, also when it stopped short
+    int32_t position;             // bytes delivered
+    uint32_t readAtLineStart;     // whether a line begins at readCursor
+    uint32_t rawAtLineStart;      // and at rawPosition
+    uint32_t dataEnded;           // the `=` behind the facet's data was met
+    uint32_t hexMode;
+};
+
+// Owned by frames.cpp and imported_objects.cpp; the scanner raises the inside flags.
 struct MifFrameState {
     uint32_t inAFrames;
     uint32_t inFrame;
+    uint32_t inImportObject;
+    MifList<MifFrameRecord> frameList;
+    MifIndex frameIDs;
+    MifFrameRecord *currentFrame; // the last one made or anchored, which frame statements apply to
+    int32_t insetDepth;           // open brackets of the object being scanned, its own included
+    uint32_t hexMode;             // of that scan
+    uint32_t scanCut;             // a stretch ended inside the scan; it goes on with the next one
+    MifFrameRecord unframed;      // stands in for currentFrame while an object without a frame is scanned
+    MifObjectFile file;
 };
 
 #endif

@@ -28,6 +28,6 @@ struct MifContext {
     MifFrameState frames;
 };
 
-static_assert(std::is_trivial_v<MifContext> && std::is_standard_layout_v<MifContext>);
+static_assert(std::is_trivial_v<MifContext>);
 
 #endif

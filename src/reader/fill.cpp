@@ -59,7 +59,7 @@ int32_t fillOutput(MifContext *context, int32_t *percent)
         }
         const int scanned = mifProcessBuffer(context);
         *percent = percentDone(context, false);
-        if (scanned == 0) {
+        if (scanned == 0 || context->output.failed != 0) {
             return MIF_FAILURE;
         }
         if (context->output.outputFull != 0 || *percent >= 100) {

@@ -33,12 +33,7 @@ char *takeComment(MifContext *context, char *position, char *end)
         ++position;
     }
     char *lineEnd = std::find_if(position, end, mifNewLine);
-    const auto length = static_cast<size_t>(lineEnd - position);
-    auto *comment = static_cast<char *>(mifAllocateBytes(context, length + 1));
-    if (comment != nullptr) {
-        memcpy(comment, position, length);
-        comment[length] = '\0';
-    }
+    char *comment = mifCopyBytes(context, position, static_cast<size_t>(lineEnd - position));
     mifFreeHeader(context);
     context->header.comment = comment;
     return lineEnd;

@@ -9,7 +9,7 @@
 
 #include "reader/context.h"
 
-// Both allocations return null when the host has no memory left.
+// All allocations return null when the host has no memory left.
 inline void *mifAllocateBytes(MifContext *context, size_t size)
 {
     HostServices *services = context->host.services;
@@ -25,15 +25,21 @@ Record *mifAllocateZeroed(MifContext *context)
     return static_cast<Record *>(services->allocateZeroed(&services->memoryHandleArea, 1, sizeof(Record)));
 }
 
+// An own copy of the bytes, zero-terminated.
+inline char *mifCopyBytes(MifContext *context, const char *bytes, size_t length)
+{
+    auto *copy = static_cast<char *>(mifAllocateBytes(context, length + 1));
+    if (copy != nullptr) {
+        memcpy(copy, bytes, length);
+        copy[length] = '\0';
+    }
+    return copy;
+}
+
 // An own copy of a zero-terminated text.
 inline char *mifCopyText(MifContext *context, const char *text)
 {
-    const size_t size = strlen(text) + 1;
-    auto *copy = static_cast<char *>(mifAllocateBytes(context, size));
-    if (copy != nullptr) {
-        memcpy(copy, text, size);
-    }
-    return copy;
+    return mifCopyBytes(context, text, strlen(text));
 }
 
 // Null is allowed and does nothing.

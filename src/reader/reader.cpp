@@ -4,6 +4,7 @@
 #include "formats/fonts.h"
 #include "formats/paragraphs.h"
 #include "formats/tab_stops.h"
+#include "frames/imported_objects.h"
 #include "frames/object_file.h"
 #include "reader/context.h"
 #include "reader/header.h"
@@ -118,6 +119,7 @@ int32_t mifFreeContext(MifContext *context)
     mifFreeBodyPageTextRect(context);
     mifFreeHeader(context);
     mifFreeTabArrays(context);
+    mifFreeImportObjects(context);
     mifFreeHashTable(context);
     mifFreeQueuedTokens(context);
     mifRelease(context, context);

@@ -6,11 +6,13 @@
 
 #include "formats/fonts.h"
 #include "formats/paragraphs.h"
+#include "frames/imported_objects.h"
 #include "reader/replay.h"
 #include "reader/source.h"
 #include "reader/statement.h"
 #include "reader/statement_table.h"
 #include "reader/tokens.h"
+#include "tables/columns.h"
 #include "tables/tables.h"
 
 namespace
@@ -43,6 +45,8 @@ public:
 private:
     Step step();
     Step startTag();
+    Step importObject(char *from);
+    void writeRowLayout();
     Step value(char *cursor);
     Step quotedValue(char *cursor);
     Step closeValue(char *close);
@@ -71,12 +75,12 @@ int Scan::run()
     for (;;) {
         if (mifOutputStopped(context_->output)) {
             context_->output.outputFull = 1;
-            return context_->output.failed == 0;
+            return 1;
         }
         if (source_.scanPosition == source_.bufferEnd || source_.carryLength != 0) {
             return 1;
         }
-        const Step done = step();
+        const Step done = context_->frames.scanCut != 0 ? importObject(source_.scanPosition) : step();
         if (done != Step::next) {
             return done == Step::stop;
         }
@@ -175,7 +179,44 @@ Step Scan::startTag()
     if (mifProcessStartTag(context_, name, nameEnd + 1) == 0) {
         return Step::fail;
     }
+    if (context_->scanner.insideFlag == &context_->frames.inImportObject && context_->pages.inPage == 0) {
+        return importObject(nameStart);
+    }
+    writeRowLayout();
     return value(nameEnd + 1);
+}
+
+// The first row whose columns are known carries the table's layout.
+void Scan::writeRowLayout()
+{
+    MifTableState &tables = context_->tables;
+    if (tables.inRow != 0 && tables.rowLayoutPending != 0) {
+        if (context_->pages.inBodyText != 0) {
+            mifDefineRow(context_);
+        }
+        tables.rowLayoutPending = 0;
+    }
+}
+
+// An imported object is scanned raw: from the name of its start tag, or further on where a stretch has ended or data
+// lines go on.
+Step Scan::importObject(char *from)
+{
+    char *start = source_.scanPosition;
+    const bool atStartTag = from != start;
+    if (atStartTag) {
+        context_->frames.insetDepth = 1;
+    }
+    source_.scanPosition = from;
+    char *end = mifProcessImportObject(context_);
+    source_.scanPosition = start;
+    if (atStartTag && end == from && source_.carryLength != 0) {
+        // The object's first line is cut: without its `<` it would be stray text.
+        context_->frames.scanCut = 0;
+        return undoStartTag();
+    }
+    advance(end);
+    return Step::next;
 }
 
 // From the start of a value, as long as no backquote has come.
@@ -314,9 +355,15 @@ Step Scan::macro(std::string_view word, std::string_view notice)
 }
 
 // Text outside of every value is ignored up to the end of its line: it becomes a comment, which stays one when the
-// stretch's end cuts it.
+// stretch's end cuts it. Lines of an imported object's data are the exception.
 Step Scan::strayText()
 {
+    const MifFrameState &frames = context_->frames;
+    const char byte = *source_.scanPosition;
+    if ((byte == '=' || byte == '&') && frames.inImportObject != 0 && frames.insetDepth != 0 &&
+        context_->pages.inPage == 0) {
+        return importObject(source_.scanPosition);
+    }
     *source_.scanPosition = '#';
     return comment();
 }

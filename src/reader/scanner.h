@@ -6,8 +6,8 @@
 
 // Scans from the scan position until the stretch ends, the output has reached its limit (then outputFull is set) or the
 // flow is left for a table or taken up again. Each start tag opens a statement; each closing `>` runs the handler of
-// the innermost one. Returns 1, or 0 when memory or the output failed: the scan then stands in the middle of a
-// statement and cannot go on.
+// the innermost one. Returns 1, or 0 when memory is exhausted: the scan then stands in the
+// middle of a statement and cannot go on.
 int mifProcessBuffer(MifContext *context);
 
 // Opens the statement of that name. Its handler is the statement table's, or, while a format's definition is being

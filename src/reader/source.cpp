@@ -15,13 +15,11 @@ char *findLineEnd(char *begin, char *end)
     return carriageReturn != nullptr ? carriageReturn : limit;
 }
 
-// Reads up to count bytes; what a stream should not answer counts as nothing.
-int32_t readStream(MifContext *context, char *destination, int32_t count)
+// Where the next stretch begins.
+int32_t streamPosition(const MifContext *context)
 {
-    HostStream *stream = context->host.stream;
-    const auto wanted = static_cast<size_t>(count);
-    const size_t delivered = stream->read(stream, destination, wanted);
-    return delivered <= wanted ? static_cast<int32_t>(delivered) : 0;
+    const MifReplayState &replay = context->replay;
+    return replay.readingStretch != 0 ? replay.stretchPosition : context->source.bytesRead;
 }
 
 // A stream that delivers more than the document's stated size stays at its end.
@@ -34,9 +32,19 @@ int32_t positionAfter(int32_t position, int32_t count, int32_t totalSize)
 
 bool mifMoreToRead(const MifContext *context)
 {
-    const MifReplayState &replay = context->replay;
-    const int32_t position = replay.readingStretch != 0 ? replay.stretchPosition : context->source.bytesRead;
-    return position < context->source.totalSize;
+    return streamPosition(context) < context->source.totalSize;
+}
+
+int32_t mifStreamPosition(const MifContext *context, const char *byte)
+{
+    return streamPosition(context) - static_cast<int32_t>(context->source.bufferEnd - byte);
+}
+
+size_t mifReadStream(MifContext *context, char *destination, size_t count)
+{
+    HostStream *stream = context->host.stream;
+    const size_t delivered = stream->read(stream, destination, count);
+    return delivered <= count ? delivered : 0;
 }
 
 int32_t mifReadSourceFile(MifContext *context)
@@ -50,8 +58,8 @@ int32_t mifReadSourceFile(MifContext *context)
         source.carryLength = 0;
     }
     memmove(source.buffer, source.scanPosition, static_cast<size_t>(source.carryLength));
-    const int32_t count =
-        readStream(context, source.buffer + source.carryLength, sourceBufferSize - source.carryLength);
+    const auto room = static_cast<size_t>(sourceBufferSize - source.carryLength);
+    const auto count = static_cast<int32_t>(mifReadStream(context, source.buffer + source.carryLength, room));
     if (replay.readingStretch != 0) {
         replay.stretchPosition = positionAfter(replay.stretchPosition, count, source.totalSize);
     } else {

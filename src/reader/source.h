@@ -3,6 +3,7 @@
 #define MIFREADER_SRC_READER_SOURCE_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "reader/context.h"
@@ -44,6 +45,12 @@ inline bool mifNewLine(char byte)
 
 // Whether the stream may still deliver bytes behind the ones in the buffer.
 bool mifMoreToRead(const MifContext *context);
+
+// The position in the stream of a byte in the buffer.
+int32_t mifStreamPosition(const MifContext *context, const char *byte);
+
+// Reads up to count bytes from the stream. What a stream should not answer counts as nothing.
+size_t mifReadStream(MifContext *context, char *destination, size_t count);
 
 // Reads the next stretch behind the carried bytes. Returns the number of bytes newly read, 0 at the end of the
 // document. Carried bytes that fill the whole buffer are given up first.

@@ -5,9 +5,11 @@
 #include "formats/fonts.h"
 #include "formats/paragraphs.h"
 #include "frames/frames.h"
+#include "frames/imported_objects.h"
 #include "reader/header.h"
 #include "reader/host_memory.h"
 #include "reader/units.h"
+#include "tables/columns.h"
 #include "tables/tables.h"
 #include "text/pages.h"
 #include "text/strings.h"
@@ -38,11 +40,11 @@ const MifStatementEntry MifStatementTable[statementCount] = {
     {"TblBody", mifTblBody, nullptr},
     {"Row", mifRow, insideFlag<&MifContext::tables, &MifTableState::inRow>},
     {"ATbl", mifATbl, nullptr},
-    {"TblNumColumns", mifUnsupportedMIFStatement, nullptr},
-    {"TblColumnWidth", mifUnsupportedMIFStatement, nullptr},
-    {"TblColumnWidthA", mifUnsupportedMIFStatement, nullptr},
-    {"EqualizeWidths", mifUnsupportedMIFStatement, nullptr},
-    {"TblColumnNum", mifUnsupportedMIFStatement, nullptr},
+    {"TblNumColumns", mifTblNumColumns, nullptr},
+    {"TblColumnWidth", mifTblColumnWidth, nullptr},
+    {"TblColumnWidthA", mifTblColumnWidthA, nullptr},
+    {"EqualizeWidths", mifEqualizeWidths, insideFlag<&MifContext::tables, &MifTableState::inEqualizeWidths>},
+    {"TblColumnNum", mifTblColumnNum, nullptr},
     {"MIFFile", mifMIFFile, nullptr},
     {"Para", mifPara, nullptr},
     {"ParaLine", mifParaLine, nullptr},
@@ -76,15 +78,15 @@ const MifStatementEntry MifStatementTable[statementCount] = {
     {"TextRect", mifTextRect, insideFlag<&MifContext::pages, &MifPageState::inTextRect>},
     {"TextRectID", mifTextRectID, nullptr},
     {"AFrames", mifAFrames, insideFlag<&MifContext::frames, &MifFrameState::inAFrames>},
-    {"AFrame", mifUnsupportedMIFStatement, nullptr},
+    {"AFrame", mifAFrame, nullptr},
     {"Frame", mifFrame, insideFlag<&MifContext::frames, &MifFrameState::inFrame>},
     {"ID", mifID, nullptr},
-    {"ImportObject", mifUnsupportedMIFStatement, nullptr},
-    {"ShapeRect", mifUnsupportedMIFStatement, nullptr},
-    {"FrameType", mifUnsupportedMIFStatement, nullptr},
-    {"NSOffset", mifUnsupportedMIFStatement, nullptr},
-    {"AnchorAlign", mifUnsupportedMIFStatement, nullptr},
-    {"ImportObFileDI", mifUnsupportedMIFStatement, nullptr},
+    {"ImportObject", mifImportObject, insideFlag<&MifContext::frames, &MifFrameState::inImportObject>},
+    {"ShapeRect", mifShapeRect, nullptr},
+    {"FrameType", mifFrameType, nullptr},
+    {"NSOffset", mifNSOffset, nullptr},
+    {"AnchorAlign", mifAnchorAlign, nullptr},
+    {"ImportObFileDI", mifImportObFileDI, nullptr},
     {"Units", mifUnits, nullptr},
     {"Notes", mifNotes, insideFlag<&MifContext::pages, &MifPageState::inNotes>},
     {"Unique", mifUnique, nullptr},

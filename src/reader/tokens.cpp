@@ -1,7 +1,9 @@
 #include "reader/tokens.h"
 
+#include <charconv>
 #include <cstring>
 #include <initializer_list>
+#include <iterator>
 
 #include "mifreader/tokens.h"
 #include "reader/host_memory.h"
@@ -232,6 +234,25 @@ int mifWriteParaEnd(MifContext *context)
     return writeBareToken(context, TOKEN_PARA_END);
 }
 
+int mifWriteTableRow(MifContext *context, int32_t columns)
+{
+    const MifTableState &tables = context->tables;
+    const auto count = static_cast<uint32_t>(columns);
+    uint8_t *place = beginToken(context, TOKEN_TABLE_ROW, MIF_TOKEN_HEADER_SIZE + 25 + uint64_t{count} * 4);
+    if (place == nullptr) {
+        return 0;
+    }
+    place = storeU32(place, count);
+    for (int32_t column = 0; column < columns; ++column) {
+        place = storeI32(place, tables.columnWidths[column]);
+    }
+    for (const uint32_t constant : tables.rowConstants) {
+        place = storeU32(place, constant);
+    }
+    storeU8(storeI32(place, tables.rowOffset), 0);
+    return 1;
+}
+
 int mifWriteCellEnd(MifContext *context)
 {
     return writeBareToken(context, TOKEN_CELL_END);
@@ -241,4 +262,25 @@ int mifWriteCellEnd(MifContext *context)
 int mifWriteTableEnd(MifContext *context)
 {
     return writeNumberToken(context, TOKEN_TABLE_ROW, 0);
+}
+
+// What the constants mean is the host framework's.
+int mifWriteFrame(MifContext *context, const MifFrameRecord &frame)
+{
+    char id[16];
+    const auto idLength = static_cast<size_t>(std::to_chars(std::begin(id), std::end(id), frame.id).ptr - id);
+    uint8_t *place = beginToken(context, TOKEN_FRAME, MIF_TOKEN_HEADER_SIZE + 78 + idLength);
+    if (place == nullptr) {
+        return 0;
+    }
+    memcpy(place, id, idLength);
+    place = storeU8(place + idLength, 0);
+    place = storeI32(place, frame.width);
+    place = storeI32(place, frame.height);
+    for (const uint32_t value :
+         {frame.object.kind, 0U, 100U, 100U, 0U, 0U, 0U, 0U, 0U, 0U, 0U, 0U, 180U, 0U, 180U, 0U}) {
+        place = storeU32(place, value);
+    }
+    storeU32(storeU8(place, 255), 0);
+    return 1;
 }

@@ -40,7 +40,9 @@ int mifWriteTabStops(MifContext *context, const MifParagraphStyle &style);
 int mifWriteTab(MifContext *context);
 int mifWriteLineBreak(MifContext *context);
 int mifWriteParaEnd(MifContext *context);
+int mifWriteTableRow(MifContext *context, int32_t columns); // the first columns of the current table, at its offset
 int mifWriteCellEnd(MifContext *context);
 int mifWriteTableEnd(MifContext *context);
+int mifWriteFrame(MifContext *context, const MifFrameRecord &frame);
 
 #endif

@@ -1,5 +1,6 @@
 #include "reader/units.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -107,14 +108,7 @@ int32_t scaleToTwips(double number, int32_t unit)
     const auto digits = static_cast<uint64_t>(std::ldexp(mantissa, 53));
     const int shift = 53 - exponent;
     const uint64_t twips = shift < 64 ? (digits * static_cast<uint64_t>(unit)) >> shift : 0;
-    const int64_t result = number < 0 ? -static_cast<int64_t>(twips) : static_cast<int64_t>(twips);
-    if (result > std::numeric_limits<int32_t>::max()) {
-        return std::numeric_limits<int32_t>::max();
-    }
-    if (result < std::numeric_limits<int32_t>::min()) {
-        return std::numeric_limits<int32_t>::min();
-    }
-    return static_cast<int32_t>(result);
+    return mifSaturate(number < 0 ? -static_cast<int64_t>(twips) : static_cast<int64_t>(twips));
 }
 
 // The end of a measurement: the blank behind it, or the text's end. A blank between the number and its unit name
@@ -178,13 +172,24 @@ int32_t mifParseTwips(const char *text)
     return scaleToTwips(mifParseNumber(text), mifSetTwipsPerUnit(text));
 }
 
+int32_t mifParseFirstTwips(const char *text)
+{
+    text += strspn(text, " ");
+    const std::string_view measurement(text, static_cast<size_t>(measurementEnd(text) - text));
+    return scaleToTwips(mifParseNumber(text), twipsPerUnit(measurement));
+}
+
+int32_t mifSaturate(int64_t value)
+{
+    return static_cast<int32_t>(
+        std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+}
+
 MifMeasurementList::MifMeasurementList(const char *value) : rest_(skipMeasurement(value)) {}
 
 int32_t MifMeasurementList::next()
 {
-    const char *measurement = rest_ + strspn(rest_, " ");
-    const std::string_view text(measurement, static_cast<size_t>(measurementEnd(measurement) - measurement));
-    const int32_t twips = scaleToTwips(mifParseNumber(measurement), twipsPerUnit(text));
+    const int32_t twips = mifParseFirstTwips(rest_);
     rest_ = skipMeasurement(rest_);
     return twips;
 }

@@ -23,6 +23,12 @@ double mifParseNumber(const char *text);
 // zero.
 int32_t mifParseTwips(const char *text);
 
+// The measurement at the start of a list of measurements; a blank before its unit name belongs to it.
+int32_t mifParseFirstTwips(const char *text);
+
+// The value, or the nearest that fits in 32 bits.
+int32_t mifSaturate(int64_t value);
+
 // Reads a list of measurements such as ` 8.5" 11.0"` or ` 612.0 pt 792.0 pt`, each with its own unit. What stands
 // before the first blank is not part of the list: MIF writes two blanks after the statement name, so that nothing does;
 // a value that does not begin with a blank loses its first measurement.

@@ -5,6 +5,7 @@
 #include "reader/host_memory.h"
 #include "reader/statement.h"
 #include "reader/tokens.h"
+#include "tables/columns.h"
 
 namespace
 {
@@ -64,8 +65,8 @@ int mifTblID(MifContext *context)
     return 1;
 }
 
-// An anchor inside a table, in its definition or in its replay, is ignored: replays do not nest, so that no document
-// can multiply its own work.
+// An anchor inside a table, in its definition or in its replay, is ignored: replays do not nest, so that the work of a
+// document is bounded by its anchors times its largest table.
 int mifATbl(MifContext *context)
 {
     const char *value = mifUnquotedValue(context);
@@ -114,4 +115,5 @@ void mifTblFreeTables(MifContext *context)
         mifRelease(context, entry);
     }
     context->tables.tblIDs.clear();
+    mifFreeColumns(context);
 }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "frames/frames.h"
 #include "reader/host_memory.h"
 #include "reader/statement.h"
 #include "reader/units.h"
@@ -75,7 +76,7 @@ int mifID(MifContext *context)
 {
     MifPageState &pages = context->pages;
     if (context->frames.inAFrames != 0 && context->frames.inFrame != 0) {
-        return 1;
+        return mifFrameID(context);
     }
     if (pages.inBodyPage == 0 || pages.inTextRect == 0) {
         return 1;

@@ -1,0 +1,369 @@
+#include "frames/imported_objects.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "frames/data_lines.h"
+#include "reader/host_memory.h"
+#include "reader/statement.h"
+
+namespace
+{
+
+constexpr std::string_view endInset = "=EndInset";
+constexpr uint32_t embeddedKind = 2;
+constexpr size_t longestFacetName = 255;
+constexpr size_t longestFileName = 1023;
+
+// One run of the raw scan over a stretch. A line counts when the whole of it is there; what an unfinished one changed
+// goes back to what it was at the line's start.
+class ObjectScan
+{
+public:
+    explicit ObjectScan(MifContext *context)
+        : context_(context), frames_(context->frames),
+          frame_(frames_.currentFrame != nullptr ? *frames_.currentFrame : frames_.unframed),
+          position_(context->source.scanPosition), end_(context->source.bufferEnd)
+    {
+        beginLine();
+    }
+
+    char *run();
+
+private:
+    bool step();
+    bool facet();
+    bool data();
+    bool marker();
+    bool dataLine();
+    bool restOfLine();
+    void ordinaryByte();
+    void beginLine();
+    void passLineEnd();
+    char *closingBracket(char *limit);
+    char *handBack();
+    char *lineEnd() const;
+
+    MifContext *context_;
+    MifFrameState &frames_;
+    MifFrameRecord &frame_;
+    char *position_;
+    char *end_;
+    bool ended_ = false; // by the end of the inset
+
+    // What the line began with.
+    char *line_ = nullptr;
+    bool isStatementLine_ = false; // other text than blanks has come: brackets count to the line's end
+    MifObjectData savedObject_{};
+    int32_t savedDepth_ = 0;
+    uint32_t savedHexMode_ = 0;
+};
+
+char *ObjectScan::run()
+{
+    frames_.scanCut = 0;
+    while (position_ < end_ && frames_.insetDepth != 0 && !ended_) {
+        if (!step()) {
+            return handBack();
+        }
+    }
+    if (ended_) {
+        return position_;
+    }
+    if (frames_.insetDepth != 0) {
+        return handBack();
+    }
+    mifProcessEndTag(context_, 0);
+    return position_;
+}
+
+// False when the stretch ends before the step does.
+bool ObjectScan::step()
+{
+    switch (*position_) {
+    case '=':
+        return facet();
+    case '&':
+        return data();
+    case '%':
+        if (frame_.object.skipData != 0) {
+            return restOfLine();
+        }
+        break;
+    default:
+        break;
+    }
+    ordinaryByte();
+    return true;
+}
+
+void ObjectScan::ordinaryByte()
+{
+    const char byte = *position_++;
+    if (mifNewLine(byte)) {
+        beginLine();
+        return;
+    }
+    isStatementLine_ = isStatementLine_ || byte != ' ';
+    if (byte == '<') {
+        ++frames_.insetDepth;
+    } else if (byte == '>') {
+        --frames_.insetDepth;
+    }
+}
+
+void ObjectScan::beginLine()
+{
+    line_ = position_;
+    isStatementLine_ = false;
+    savedObject_ = frame_.object;
+    savedDepth_ = frames_.insetDepth;
+    savedHexMode_ = frames_.hexMode;
+}
+
+// The end of the line that the position is in: its line-end byte, or the end of the stretch.
+char *ObjectScan::lineEnd() const
+{
+    return std::find_if(position_, end_, mifNewLine);
+}
+
+void ObjectScan::passLineEnd()
+{
+    position_ = std::find_if_not(position_, end_, mifNewLine);
+    beginLine();
+}
+
+// Counts the brackets of a line on which a nested statement began, up to `limit`: a `=` or `&` in a statement's value
+// must not hide the bracket that closes it. Returns the one that closes the object, or `limit`.
+char *ObjectScan::closingBracket(char *limit)
+{
+    if (!isStatementLine_) {
+        return limit;
+    }
+    for (char *byte = position_; byte < limit; ++byte) {
+        frames_.insetDepth += *byte == '<' ? 1 : *byte == '>' ? -1 : 0;
+        if (frames_.insetDepth == 0) {
+            return byte;
+        }
+    }
+    return limit;
+}
+
+bool ObjectScan::restOfLine()
+{
+    char *end = closingBracket(lineEnd());
+    position_ = end;
+    if (frames_.insetDepth == 0) {
+        ++position_;
+        return true;
+    }
+    if (end == end_) {
+        return false;
+    }
+    passLineEnd();
+    return true;
+}
+
+bool ObjectScan::facet()
+{
+    frames_.hexMode = 0;
+    const auto length = static_cast<size_t>(end_ - position_);
+    if (length > endInset.size() && memcmp(position_, endInset.data(), endInset.size()) == 0) {
+        position_ += endInset.size();
+        position_ = std::find_if_not(position_, end_, mifIsWhiteSpace);
+        ended_ = true;
+        return true;
+    }
+    const char *name = position_ + 1;
+    if (!restOfLine()) {
+        return false;
+    }
+    if (frame_.object.facetSeen != 0) {
+        frame_.object.laterFacetSeen = 1;
+    } else {
+        const char *nameEnd = std::find_if(name, static_cast<const char *>(position_), mifNewLine);
+        mifRelease(context_, frame_.facetName);
+        frame_.facetName =
+            mifCopyBytes(context_, name, std::min(static_cast<size_t>(nameEnd - name), longestFacetName));
+        frame_.object.facetSeen = 1;
+    }
+    savedObject_ = frame_.object;
+    return true;
+}
+
+bool ObjectScan::data()
+{
+    MifObjectData &object = frame_.object;
+    if (object.laterFacetSeen != 0) {
+        object.skipData = 1;
+    }
+    if (object.skipData != 0) {
+        return restOfLine();
+    }
+    if (end_ - position_ < 3) {
+        return false;
+    }
+    ++position_;
+    if (*position_ == '%' && object.percentSeen != 0) {
+        ++position_;
+    }
+    if (*position_ == '%' && end_ - position_ > 1) {
+        return marker();
+    }
+    return dataLine();
+}
+
+// The `&%` line of a facet: one character; what follows on the line is ordinary text.
+bool ObjectScan::marker()
+{
+    frame_.object.percentChar = static_cast<uint8_t>(position_[1]);
+    frame_.object.percentSeen = 1;
+    position_ += 2;
+    if (position_ < end_ && mifNewLine(*position_)) {
+        passLineEnd();
+    }
+    return true;
+}
+
+bool ObjectScan::dataLine()
+{
+    MifObjectData &object = frame_.object;
+    char *limit = lineEnd();
+    if (limit == end_ && !isStatementLine_) {
+        return false;
+    }
+    if (object.dataStart == 0) {
+        object.dataStart = mifStreamPosition(context_, position_);
+        object.kind = embeddedKind;
+    }
+    const char *read = position_;
+    uint8_t byte = 0;
+    while (mifInDataLine(read, limit)) {
+        object.dataLength += mifDecodeData(read, end_, frames_.hexMode, byte) ? 1 : 0;
+    }
+    char *dataEnd = position_ + (read - position_);
+    char *close = closingBracket(std::min(dataEnd, limit));
+    position_ = close;
+    if (frames_.insetDepth == 0) {
+        ++position_;
+        return true;
+    }
+    if (close == end_) {
+        return false;
+    }
+    if (mifNewLine(*close)) {
+        passLineEnd();
+    }
+    return true;
+}
+
+// The unfinished line is scanned again when the rest of it has been read. At the document's end there is no rest: the
+// line does not count, and the scan goes to the end of the buffer.
+char *ObjectScan::handBack()
+{
+    frame_.object = savedObject_;
+    frames_.insetDepth = savedDepth_;
+    frames_.hexMode = savedHexMode_;
+    frames_.scanCut = 1;
+    if (!mifMoreToRead(context_)) {
+        return end_;
+    }
+    context_->source.carryLength = static_cast<int32_t>(end_ - line_);
+    return line_;
+}
+
+// A name built up to its longest length; what comes behind is cut off.
+class FileName
+{
+public:
+    void set(std::string_view text)
+    {
+        length_ = 0;
+        append(text);
+    }
+
+    void append(std::string_view text)
+    {
+        const size_t count = std::min(text.size(), longestFileName - length_);
+        memcpy(text_ + length_, text.data(), count);
+        length_ += count;
+    }
+
+    char *copy(MifContext *context) const
+    {
+        return mifCopyBytes(context, text_, length_);
+    }
+
+private:
+    char text_[longestFileName + 1];
+    size_t length_ = 0;
+};
+
+// From a device-independent path, such as `<c\>images<c\>logo.gif`, to names with backslashes between.
+FileName convertFileReference(std::string_view path)
+{
+    constexpr std::string_view codeEnd = "\\>";
+    FileName name;
+    while (path.find(codeEnd) != std::string_view::npos) {
+        path.remove_prefix(path.front() == '<' ? 1 : 0);
+        const bool isCode = path.size() > 1 && path[1] == '\\';
+        if (isCode && path[0] == 'u') {
+            name.set("..\\");
+        } else if (!isCode || strchr("chrv", path[0]) == nullptr) {
+            name.append(path.substr(0, path.find('<')));
+            name.append("\\");
+        }
+        path.remove_prefix(path.find('>') + 1);
+    }
+    name.append(path);
+    return name;
+}
+
+} // namespace
+
+int mifImportObject(MifContext *context)
+{
+    context->frames.inImportObject = 0;
+    return 1;
+}
+
+int mifImportObFileDI(MifContext *context)
+{
+    const char *value = mifUnquotedValue(context);
+    if (value == nullptr) {
+        return 0;
+    }
+    MifFrameRecord *frame = context->frames.currentFrame;
+    if (frame == nullptr) {
+        return 1;
+    }
+    char *fileName = convertFileReference(value).copy(context);
+    if (fileName == nullptr) {
+        return 0;
+    }
+    mifRelease(context, frame->fileName);
+    frame->fileName = fileName;
+    frame->object.kind = 0;
+    return 1;
+}
+
+char *mifProcessImportObject(MifContext *context)
+{
+    return ObjectScan(context).run();
+}
+
+void mifFreeImportObjects(MifContext *context)
+{
+    MifFrameState &frames = context->frames;
+    while (MifFrameRecord *frame = frames.frameList.takeFirst()) {
+        mifRelease(context, frame->facetName);
+        mifRelease(context, frame->fileName);
+        mifRelease(context, frame);
+    }
+    mifRelease(context, frames.unframed.facetName);
+    frames.unframed.facetName = nullptr;
+    frames.frameIDs.clear();
+    frames.currentFrame = nullptr;
+    frames.file.frame = nullptr;
+}

@@ -1,0 +1,21 @@
+// The imported object of a frame. Behind its statements its data may stand inline, in lines that do not follow the
+// statement syntax: `=` names a facet, `&` begins a data line, `=EndInset` ends the data. The data are located in the
+// stream and counted, not copied.
+#ifndef MIFREADER_SRC_FRAMES_IMPORTED_OBJECTS_H
+#define MIFREADER_SRC_FRAMES_IMPORTED_OBJECTS_H
+
+#include "reader/context.h"
+
+// Statement handlers.
+int mifImportObject(MifContext *context);
+int mifImportObFileDI(MifContext *context);
+
+// Scans an object raw, from the scan position, insetDepth brackets deep: its nested statements are passed over, only
+// their brackets count. Returns the position where ordinary scanning goes on: behind `=EndInset`, or behind the
+// object's closing bracket (its statement is then closed, without its handler), or where the stretch ended inside the
+// scan: scanCut is then set, and the carry length hands the unfinished line back.
+char *mifProcessImportObject(MifContext *context);
+
+void mifFreeImportObjects(MifContext *context);
+
+#endif
