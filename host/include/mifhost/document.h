@@ -1,0 +1,114 @@
+// The conversion of one document.
+#ifndef MIFHOST_DOCUMENT_H
+#define MIFHOST_DOCUMENT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <memory>
+
+#include "mifhost/fonts.h"
+#include "mifhost/memory.h"
+#include "mifhost/plugin.h"
+#include "mifhost/source_check.h"
+#include "mifhost/stream.h"
+#include "mifhost/token.h"
+
+namespace mifhost
+{
+
+struct DocumentOptions {
+    // The buffer for tokens in bytes, 1 to 2^32 - 2. It must hold the largest token; the default does for every
+    // document but the strangest.
+    std::uint32_t bufferSize = 64 * 1024;
+
+    // The most memory in bytes that the reader may use for the document; 0 means no limit.
+    std::size_t memoryLimit = 0;
+};
+
+// Reads one document from its beginning, token by token, and owns all that the reader needs for it.
+class Document
+{
+public:
+    // stream  the document, from its start; nobody else moves it while the Document lives
+    // plugin  the reader; without it the one that the program is linked with
+    // Throws LimitReached when memory is exhausted, PluginError when the plug-in breaks its interface.
+    explicit Document(Stream &stream, const DocumentOptions &options = {});
+    Document(const Plugin &plugin, Stream &stream, const DocumentOptions &options = {});
+    Document(const Document &) = delete;
+    Document &operator=(const Document &) = delete;
+    ~Document();
+
+    // Returns the next token, or null when the document has no more. Token and views are valid until the next call.
+    // Throws, once the tokens before the failure are handed out,
+    //   NotMif        before the first token: the reader refuses the document
+    //   IoError       the stream cannot be read, or became shorter
+    //   LimitReached  the memory limit was hit or the heap exhausted, or a token is larger than the buffer
+    //   StreamError, PluginError  the reader is faulty
+    // and then the same again.
+    const Token *next();
+
+    // How much of the document has been read: whole percent as the reader tells it, 0 to 100, and bytes.
+    int percent() const noexcept
+    {
+        return percent_;
+    }
+    std::uint64_t bytesRead() const noexcept
+    {
+        return check_.bytesSeen();
+    }
+
+    // The fonts announced so far.
+    const FontRegistry &fonts() const noexcept
+    {
+        return fonts_;
+    }
+
+    // The accounts of the reader's memory.
+    const Memory &memory() const noexcept
+    {
+        return memory_;
+    }
+
+    // What the document lacks; complete when next() has returned null.
+    const SourceCheck &check() const noexcept
+    {
+        return check_;
+    }
+
+    // The operations on embedded objects and the context that their MifFileHandle takes, for use between two calls of
+    // next(). Slots that the reader did not offer are null. Both are valid as long as this object.
+    const MifFileAccess &fileAccess() const noexcept
+    {
+        return fileAccess_;
+    }
+    MifContext *context() const noexcept
+    {
+        return context_.get();
+    }
+
+private:
+    static std::uint32_t notify(void *cookie, std::uint32_t code, void *data) noexcept;
+    void fill();
+    void checkResult(std::int32_t result, std::uint32_t written) const;
+    void requireMemory() const;
+
+    Stream &stream_;
+    MifReaderInterface reader_;
+    Memory memory_;
+    FontRegistry fonts_;
+    SourceCheck check_;
+    MifFileAccess fileAccess_{};
+    std::uint32_t bufferSize_;
+    std::unique_ptr<std::uint8_t[]> buffer_;
+    TokenDecoder decoder_;
+    int percent_ = 0;
+    bool finished_ = false;
+    std::exception_ptr failure_; // thrown when the tokens at hand are used up
+    // Last, so that the context goes before the memory that it lives in.
+    std::unique_ptr<MifContext, std::int32_t (*)(MifContext *)> context_;
+};
+
+} // namespace mifhost
+
+#endif

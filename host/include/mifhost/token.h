@@ -1,0 +1,171 @@
+// The token stream as values: one plain record for each kind of token, and the decoder that makes them.
+#ifndef MIFHOST_TOKEN_H
+#define MIFHOST_TOKEN_H
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "mifreader/tokens.h"
+
+namespace mifhost
+{
+
+enum class Alignment : std::uint8_t {
+    Left = MIF_ALIGN_LEFT,
+    Right = MIF_ALIGN_RIGHT,
+    Center = MIF_ALIGN_CENTER,
+    LeftRight = MIF_ALIGN_LEFT_RIGHT
+};
+
+enum class TabKind : std::uint8_t { Left = MIF_TAB_LEFT, Right = MIF_TAB_RIGHT, Center = MIF_TAB_CENTER };
+
+enum class Spacing : std::uint8_t {
+    Single = MIF_SPACING_SINGLE,
+    OneAndHalf = MIF_SPACING_ONE_AND_HALF,
+    Double = MIF_SPACING_DOUBLE
+};
+
+enum class Mode : std::uint8_t { Bold, Italic, Underline, Strike, Superscript, Subscript, SmallCaps, UpperCase };
+
+// A run of text, which may be empty. Bytes of Windows-1252.
+struct Text {
+    std::string_view bytes;
+};
+
+// Indents and alignment of the paragraphs that follow, in twips. The first line is indented from the same edge as the
+// left indent.
+struct ParaFormat {
+    std::int32_t leftIndent;
+    std::int32_t rightIndent;
+    std::int32_t firstLineIndent;
+    Alignment alignment;
+};
+
+struct TabStop {
+    TabKind kind;
+    std::int32_t position; // twips
+};
+
+// The tab stops of the paragraphs that follow; they replace all earlier ones.
+struct TabStops {
+    std::span<const TabStop> stops;
+};
+
+// A tab character.
+struct Tab {
+};
+
+// A character mode goes on or off.
+struct Attribute {
+    Mode mode;
+    bool on;
+};
+
+// The columns of the table cells that follow, in twips.
+struct TableRow {
+    std::span<const std::int32_t> columnWidths;
+    std::int32_t offset; // of the table from the left indent; negative for a table that is wider than the text
+};
+
+struct TableEnd {
+};
+
+struct CellEnd {
+};
+
+// The end of a paragraph; a LineBreak stands before it.
+struct ParaEnd {
+};
+
+struct LineBreak {
+};
+
+// The font of the text that follows.
+struct Font {
+    std::uint32_t number; // as FontRegistry::find takes it
+    std::uint32_t size;   // points
+};
+
+// Page size and margins in twips. The first token of every stream.
+struct PageSetup {
+    std::uint32_t width;
+    std::uint32_t height;
+    std::uint32_t leftMargin;
+    std::uint32_t topMargin;
+    std::uint32_t rightMargin;
+    std::uint32_t bottomMargin;
+};
+
+struct LineSpacing {
+    Spacing spacing;
+};
+
+struct TextColor {
+    std::uint8_t red;
+    std::uint8_t green;
+    std::uint8_t blue;
+};
+
+// An anchored frame that holds an embedded object.
+struct Frame {
+    std::string_view id;  // decimal digits; opens the object
+    std::uint32_t width;  // twips
+    std::uint32_t height; // twips
+    std::uint32_t kind;   // 2 when the object's data are embedded, 0 when a file reference follows them
+};
+
+// The character set of the text, MIF_CHARSET_WINDOWS_1252.
+struct Charset {
+    std::uint32_t number;
+};
+
+using Token = std::variant<Text, ParaFormat, TabStops, Tab, Attribute, TableRow, TableEnd, CellEnd, ParaEnd, LineBreak,
+                           Font, PageSetup, LineSpacing, TextColor, Frame, Charset>;
+
+// Takes a token stream apart. It trusts nothing: whatever the bytes are, it reads within them or throws.
+class TokenDecoder
+{
+public:
+    // name  what the messages of StreamError call the stream
+    explicit TokenDecoder(std::string name = "token stream");
+
+    // Goes on with further bytes, whole tokens, of the same stream; they must stay until the next call. What earlier
+    // bytes still held is given up.
+    void decode(std::span<const std::uint8_t> bytes) noexcept;
+
+    // Returns the next token, or null at the end of the bytes. The token and its views are valid until the next call.
+    // Throws StreamError, which says what is wrong and at which byte of the stream; the decoder then stays where it is.
+    const Token *next();
+
+    // The position of the next token in the stream, over all bytes so far.
+    std::uint64_t position() const noexcept
+    {
+        return position_;
+    }
+
+private:
+    class Payload;
+
+    std::uint32_t checkedLength() const;
+    void decodeToken(Payload &payload);
+    void decodeTabStops(Payload &payload);
+    void decodeTableRow(Payload &payload);
+    [[noreturn]] void fail(std::uint64_t position, const std::string &reason) const;
+
+    std::string name_;
+    std::span<const std::uint8_t> bytes_;
+    std::uint64_t position_ = 0;
+    Token token_;
+    // What the spans of a token point to.
+    std::vector<TabStop> tabStops_;
+    std::vector<std::int32_t> columnWidths_;
+};
+
+} // namespace mifhost
+
+#endif

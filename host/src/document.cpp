@@ -1,0 +1,136 @@
+#include "mifhost/document.h"
+
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "mifhost/error.h"
+
+namespace mifhost
+{
+
+namespace
+{
+
+// No call stores it, so it tells whether a call stored anything.
+constexpr std::uint32_t notStored = std::numeric_limits<std::uint32_t>::max();
+
+} // namespace
+
+Document::Document(Stream &stream, const DocumentOptions &options) : Document(Plugin::linked(), stream, options) {}
+
+Document::Document(const Plugin &plugin, Stream &stream, const DocumentOptions &options)
+    : stream_(stream), reader_(plugin.entries()), memory_(options.memoryLimit), bufferSize_(options.bufferSize),
+      buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(options.bufferSize)),
+      decoder_(stream.name() + ": token stream"), context_(nullptr, nullptr)
+{
+    std::uint32_t unusedResult = 0;
+    context_ = {reader_.mifAllocateContext(this, notify, &unusedResult, memory_.services(), 0), reader_.mifFreeContext};
+    requireMemory();
+    if (context_ == nullptr) {
+        throw PluginError(stream_.name(), std::nullopt, "the plug-in makes no context");
+    }
+
+    stream_.seek(0);
+    const std::int32_t result =
+        reader_.mifInitDoc(context_.get(), nullptr, static_cast<std::int32_t>(stream_.size()), stream_.record());
+    requireMemory();
+    if (result != MIF_SUCCESS) {
+        throw PluginError(stream_.name(), std::nullopt, "the plug-in does not take the document");
+    }
+    stream_.observe(&check_);
+}
+
+Document::~Document()
+{
+    stream_.observe(nullptr);
+}
+
+const Token *Document::next()
+{
+    for (;;) {
+        if (const Token *token = decoder_.next()) {
+            return token;
+        }
+        if (failure_ != nullptr) {
+            std::rethrow_exception(failure_);
+        }
+        if (finished_) {
+            return nullptr;
+        }
+        fill();
+    }
+}
+
+// Has the reader convert the next piece. A failure is kept until the tokens that came before it are handed out.
+void Document::fill()
+{
+    std::uint32_t written = notStored;
+    std::int32_t percent = percent_;
+    const std::int32_t result = reader_.mifFillBuffer(context_.get(), buffer_.get(), &written, &percent, bufferSize_);
+    if (written <= bufferSize_) {
+        decoder_.decode({buffer_.get(), written});
+    }
+    percent_ = percent;
+    finished_ = percent_ >= 100;
+    try {
+        checkResult(result, written);
+    } catch (...) {
+        if (failure_ == nullptr) {
+            failure_ = std::current_exception();
+        }
+    }
+}
+
+// Throws what a call of mifFillBuffer failed of. What the stream or the memory met comes first, because the reader
+// takes the one for the end of the document and may get over the other with a piece of the document missing.
+void Document::checkResult(std::int32_t result, std::uint32_t written) const
+{
+    stream_.throwPendingError();
+    requireMemory();
+    const bool isStored = written != notStored;
+    if (result != MIF_SUCCESS && !isStored && decoder_.position() == 0) {
+        throw NotMif(stream_.name(), std::nullopt,
+                     stream_.size() == 0 ? "is empty, not a MIF document"
+                                         : "not a MIF document, it does not begin with <MIFFile");
+    }
+    if (!isStored || written > bufferSize_) {
+        throw PluginError(stream_.name(), std::nullopt, "the plug-in tells no valid number of bytes written");
+    }
+    if (result != MIF_SUCCESS) {
+        throw LimitReached(stream_.name(), bytesRead(),
+                           "a token is larger than the buffer of " + std::to_string(bufferSize_) + " bytes");
+    }
+    if (written == 0 && !finished_) {
+        throw PluginError(stream_.name(), bytesRead(), "the plug-in makes no progress");
+    }
+}
+
+void Document::requireMemory() const
+{
+    if (memory_.refusals() == 0) {
+        return;
+    }
+    throw LimitReached(stream_.name(), bytesRead(),
+                       memory_.limit() == 0
+                           ? "memory is exhausted"
+                           : "the memory limit of " + std::to_string(memory_.limit()) + " bytes is reached");
+}
+
+std::uint32_t Document::notify(void *cookie, std::uint32_t code, void *data) noexcept
+{
+    auto &self = *static_cast<Document *>(cookie);
+    try {
+        if (code == HOST_NOTIFY_FONT) {
+            return self.fonts_.add(*static_cast<const MifFontRecord *>(data));
+        }
+        if (code == HOST_NOTIFY_FILE_ACCESS) {
+            self.fileAccess_ = *static_cast<const MifFileAccess *>(data);
+        }
+    } catch (...) {
+        self.failure_ = std::current_exception();
+    }
+    return 0;
+}
+
+} // namespace mifhost

@@ -1,0 +1,326 @@
+#include "mifhost/source_check.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+
+namespace mifhost
+{
+
+namespace
+{
+
+// The words that begin a macro. They count between statements and in values that are not quoted, there even within a
+// longer word. The second ones are the words as valueTail_ holds them.
+constexpr std::string_view defineWord = "define";
+constexpr std::string_view includeWord = "include";
+
+constexpr std::uint64_t asTail(std::string_view word)
+{
+    std::uint64_t tail = 0;
+    for (const char byte : word) {
+        tail = tail << 8 | static_cast<unsigned char>(byte);
+    }
+    return tail;
+}
+
+constexpr bool endsWith(std::uint64_t tail, std::string_view word)
+{
+    return (tail ^ asTail(word)) << (64 - 8 * word.size()) == 0;
+}
+
+constexpr std::string_view objectEnd = "EndInset";
+constexpr std::string_view pageName = "Page";
+constexpr std::string_view objectName = "ImportObject";
+
+using ByteSet = std::array<bool, 256>;
+
+constexpr ByteSet byteSet(std::string_view bytes)
+{
+    ByteSet set{};
+    for (const char byte : bytes) {
+        set[static_cast<unsigned char>(byte)] = true;
+    }
+    return set;
+}
+
+constexpr ByteSet whiteSpace = byteSet(" \t\n\v\f\r");
+constexpr ByteSet nameEnds = byteSet(" \t\n\v\f\r>");
+constexpr ByteSet lineEnds = byteSet("\n\r");
+constexpr ByteSet valueStops = byteSet("<>#`e"); // both macro words end in e
+
+bool isIn(const ByteSet &set, char byte)
+{
+    return set[static_cast<unsigned char>(byte)];
+}
+
+const char *findIn(const ByteSet &set, const char *next, const char *end)
+{
+    while (next != end && !isIn(set, *next)) {
+        ++next;
+    }
+    return next;
+}
+
+} // namespace
+
+void SourceCheck::feed(std::uint64_t position, std::span<const std::uint8_t> bytes)
+{
+    if (position > bytesSeen_ || position + bytes.size() <= bytesSeen_) {
+        return;
+    }
+    bytes = bytes.subspan(static_cast<std::size_t>(bytesSeen_ - position));
+    const char *next = reinterpret_cast<const char *>(bytes.data());
+    const char *const end = next + bytes.size();
+    chunkEnd_ = end;
+    bytesSeen_ += bytes.size();
+    while (next != end) {
+        next = scan(next, end);
+    }
+}
+
+const char *SourceCheck::scan(const char *next, const char *end)
+{
+    switch (state_) {
+    case State::Between:
+        return scanBetween(next, end);
+    case State::Name:
+        return scanName(next, end);
+    case State::Value:
+        return scanValue(next, end);
+    case State::Quoted:
+        return scanQuoted(next, end);
+    case State::Line:
+        return scanLine(next, end, State::Between);
+    case State::Keyword:
+        return scanWord(next, end, State::Macro, State::Line);
+    case State::Macro:
+        return scanMacro(next, end);
+    case State::Object:
+        return scanObject(next, end);
+    case State::ObjectFacet:
+        next = scanWord(next, end, State::Between, State::ObjectLine);
+        if (state_ == State::Between) {
+            objectDepth_ = 0; // the brackets of the object's statements need not balance
+        }
+        return next;
+    case State::ObjectLine:
+        return scanLine(next, end, State::Object);
+    }
+    return end;
+}
+
+const char *SourceCheck::scanBetween(const char *next, const char *end)
+{
+    for (; next != end; ++next) {
+        if (isIn(whiteSpace, *next)) {
+            continue;
+        }
+        switch (*next) {
+        case '<':
+            open_.push_back({static_cast<std::uint32_t>(positionOf(next)) & 0x7FFFFFFFU, 0});
+            cutName_.clear();
+            state_ = State::Name;
+            return scanName(next + 1, end);
+        case '>':
+            closeStatement();
+            break;
+        case 'd':
+        case 'i':
+            word_ = *next == 'd' ? defineWord : includeWord;
+            word_.remove_prefix(1);
+            state_ = State::Keyword;
+            return next + 1;
+        default:
+            state_ = State::Line;
+            return scanLine(next + 1, end, State::Between);
+        }
+    }
+    return next;
+}
+
+const char *SourceCheck::scanName(const char *next, const char *end)
+{
+    const char *nameEnd = findIn(nameEnds, next, end);
+    std::string_view name(next, static_cast<std::size_t>(nameEnd - next));
+    if (nameEnd == end || !cutName_.empty()) {
+        // One byte more than the longest known name is enough to tell a longer one from it.
+        const std::size_t room = objectName.size() + 1 - std::min(cutName_.size(), objectName.size() + 1);
+        name = cutName_.append(name.substr(0, room));
+    }
+    if (nameEnd == end) {
+        return end;
+    }
+    if (*nameEnd == '>') {
+        noteLength(nameEnd);
+        open_.pop_back();
+        state_ = State::Between;
+        return nameEnd + 1;
+    }
+    beginValue(name, *nameEnd);
+    return state_ == State::Value ? scanValue(nameEnd + 1, end) : scanObject(nameEnd + 1, end);
+}
+
+void SourceCheck::beginValue(std::string_view name, char separator) noexcept
+{
+    state_ = State::Value;
+    valueTail_ = 0;
+    if (name == pageName) {
+        open_.back().isPage = 1;
+        inPage_ = true;
+    } else if (name == objectName && !inPage_) {
+        state_ = State::Object;
+        atLineStart_ = isIn(lineEnds, separator);
+    }
+}
+
+const char *SourceCheck::scanValue(const char *next, const char *end)
+{
+    for (; next != end; ++next) {
+        valueTail_ = valueTail_ << 8 | static_cast<unsigned char>(*next);
+        if (!isIn(valueStops, *next)) {
+            continue;
+        }
+        switch (*next) {
+        case '<':
+            noteLength(next);
+            state_ = State::Between;
+            return next;
+        case '>':
+            noteLength(next);
+            closeStatement();
+            state_ = State::Between;
+            return next + 1;
+        case '#':
+            noteLength(next);
+            state_ = State::Line;
+            return next + 1;
+        case '`':
+            lastByte_ = '`';
+            state_ = State::Quoted;
+            return scanQuoted(next + 1, end);
+        default:
+            if (endsWith(valueTail_, defineWord) || endsWith(valueTail_, includeWord)) {
+                state_ = State::Macro;
+                return next + 1;
+            }
+        }
+    }
+    return next;
+}
+
+const char *SourceCheck::scanQuoted(const char *next, const char *end)
+{
+    while (next != end) {
+        const auto *close = static_cast<const char *>(std::memchr(next, '>', static_cast<std::size_t>(end - next)));
+        if (close == nullptr) {
+            lastByte_ = end[-1];
+            return end;
+        }
+        const char before = close == next ? lastByte_ : close[-1];
+        next = close + 1;
+        lastByte_ = '>';
+        if (before != '\\') {
+            noteLength(close);
+            closeStatement();
+            state_ = State::Between;
+            return next;
+        }
+    }
+    return next;
+}
+
+const char *SourceCheck::scanLine(const char *next, const char *end, State after)
+{
+    next = findIn(lineEnds, next, end);
+    if (next != end) {
+        state_ = after;
+    }
+    return next;
+}
+
+// Compares the bytes with the rest of word_ and goes on in one state when it is there and in the other when it is not.
+const char *SourceCheck::scanWord(const char *next, const char *end, State found, State missed)
+{
+    while (next != end) {
+        if (*next != word_.front()) {
+            state_ = missed;
+            return next;
+        }
+        word_.remove_prefix(1);
+        ++next;
+        if (word_.empty()) {
+            state_ = found;
+            return next;
+        }
+    }
+    return next;
+}
+
+const char *SourceCheck::scanMacro(const char *next, const char *end)
+{
+    next = std::find(next, end, ')');
+    if (next == end) {
+        return end;
+    }
+    state_ = State::Between;
+    return next + 1;
+}
+
+// In an embedded object the reader counts brackets, quoted or not, and passes over facet and data lines.
+const char *SourceCheck::scanObject(const char *next, const char *end)
+{
+    for (; next != end; ++next) {
+        const bool isFirst = atLineStart_;
+        if (*next == ' ' || *next == '\t') {
+            continue;
+        }
+        atLineStart_ = isIn(lineEnds, *next);
+        if (*next == '<') {
+            ++objectDepth_;
+        } else if (*next == '>' && objectDepth_ > 0) {
+            --objectDepth_;
+        } else if (*next == '>') {
+            closeStatement();
+            state_ = State::Between;
+            return next + 1;
+        } else if (*next == '=' && isFirst) {
+            word_ = objectEnd;
+            state_ = State::ObjectFacet;
+            return next + 1;
+        } else if (*next == '&' && isFirst) {
+            state_ = State::ObjectLine;
+            return next + 1;
+        }
+    }
+    return next;
+}
+
+void SourceCheck::closeStatement() noexcept
+{
+    if (open_.empty()) {
+        return;
+    }
+    if (open_.back().isPage != 0) {
+        inPage_ = false;
+    }
+    open_.pop_back();
+}
+
+// The part of the innermost statement that must fit in the reader's buffer ends with the byte at last.
+void SourceCheck::noteLength(const char *last) noexcept
+{
+    const std::uint64_t start = open_.back().position;
+    const std::uint64_t length = positionOf(last) + 1 - start;
+    if (length <= maximumStatement) {
+        return;
+    }
+    if (droppedStatements_ == 0) {
+        firstDropped_ = start;
+    }
+    ++droppedStatements_;
+    longestDropped_ = std::max(longestDropped_, length);
+}
+
+} // namespace mifhost

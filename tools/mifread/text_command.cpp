@@ -1,0 +1,55 @@
+#include <string>
+#include <variant>
+
+#include "command.h"
+#include "conversion.h"
+#include "mifhost/charset.h"
+
+namespace mifread
+{
+
+namespace
+{
+
+// What of a token is text.
+struct TextWriter {
+    mifhost::Windows1252 &charset;
+    std::string &out;
+
+    void operator()(const mifhost::Text &text) const
+    {
+        charset.append(text.bytes, out);
+    }
+    void operator()(const mifhost::Tab &) const
+    {
+        out += '\t';
+    }
+    void operator()(const mifhost::LineBreak &) const
+    {
+        out += '\n';
+    }
+    template <typename Other>
+    void operator()(const Other &) const
+    {
+    }
+};
+
+std::uint64_t writeText(mifhost::Document &document, OutputFile &output)
+{
+    mifhost::Windows1252 charset;
+    const TextWriter writer{charset, output.text()};
+    while (const mifhost::Token *token = document.next()) {
+        std::visit(writer, *token);
+        output.writeFullBlocks();
+    }
+    return charset.undefinedBytes();
+}
+
+} // namespace
+
+ExitCode runText(const Options &options)
+{
+    return convertInputs(options, writeText);
+}
+
+} // namespace mifread

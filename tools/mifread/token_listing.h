@@ -1,0 +1,34 @@
+// The token stream as text: one token a line, its name and then its fields, in ASCII.
+#ifndef MIFREAD_TOKEN_LISTING_H
+#define MIFREAD_TOKEN_LISTING_H
+
+#include <string>
+#include <vector>
+
+#include "mifhost/fonts.h"
+#include "mifhost/token.h"
+
+namespace mifread
+{
+
+// Lists the tokens of one document. A line that begins with '#' is no token; it tells a font's name before the font is
+// first used.
+class TokenListing
+{
+public:
+    // fonts  the document's fonts, which must live as long as the listing
+    explicit TokenListing(const mifhost::FontRegistry &fonts) : fonts_(fonts) {}
+
+    // Appends the token's line to out.
+    void append(const mifhost::Token &token, std::string &out);
+
+private:
+    void introduceFont(std::uint32_t number, std::string &out);
+
+    const mifhost::FontRegistry &fonts_;
+    std::vector<bool> isIntroduced_; // by font number
+};
+
+} // namespace mifread
+
+#endif
