@@ -1,8 +1,13 @@
 #include "mifhost/document.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
 #include <optional>
+#include <span>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "mifhost/error.h"
 
@@ -14,6 +19,23 @@ namespace
 
 // No call stores it, so it tells whether a call stored anything.
 constexpr std::uint32_t notStored = std::numeric_limits<std::uint32_t>::max();
+
+constexpr std::string_view headerStart = "<MIFFile";
+
+bool beginsAsMif(Stream &stream)
+{
+    std::array<std::uint8_t, headerStart.size()> bytes{};
+    stream.seek(0);
+    std::size_t size = 0;
+    while (size < bytes.size()) {
+        const std::size_t count = stream.read(std::span(bytes).subspan(size));
+        if (count == 0) {
+            return false;
+        }
+        size += count;
+    }
+    return std::equal(bytes.begin(), bytes.end(), headerStart.begin());
+}
 
 } // namespace
 
@@ -48,6 +70,9 @@ Document::~Document()
 
 const Token *Document::next()
 {
+    if (objectIsOpen_) {
+        throw std::logic_error("mifhost::Document: an object of the document is open");
+    }
     for (;;) {
         if (const Token *token = decoder_.next()) {
             return token;
@@ -82,17 +107,13 @@ void Document::fill()
     }
 }
 
-// Throws what a call of mifFillBuffer failed of. What the stream or the memory met comes first, because the reader
-// takes the one for the end of the document and may get over the other with a piece of the document missing.
+// Throws what a call of mifFillBuffer failed of.
 void Document::checkResult(std::int32_t result, std::uint32_t written) const
 {
-    stream_.throwPendingError();
-    requireMemory();
+    throwPendingError();
     const bool isStored = written != notStored;
     if (result != MIF_SUCCESS && !isStored && decoder_.position() == 0) {
-        throw NotMif(stream_.name(), std::nullopt,
-                     stream_.size() == 0 ? "is empty, not a MIF document"
-                                         : "not a MIF document, it does not begin with <MIFFile");
+        throwRefusal();
     }
     if (!isStored || written > bufferSize_) {
         throw PluginError(stream_.name(), std::nullopt, "the plug-in tells no valid number of bytes written");
@@ -104,6 +125,26 @@ void Document::checkResult(std::int32_t result, std::uint32_t written) const
     if (written == 0 && !finished_) {
         throw PluginError(stream_.name(), bytesRead(), "the plug-in makes no progress");
     }
+}
+
+void Document::throwRefusal() const
+{
+    std::string reason = "not a MIF document, it does not begin with <MIFFile";
+    if (stream_.size() == 0) {
+        reason = "is empty, not a MIF document";
+    } else if (beginsAsMif(stream_)) {
+        reason = "not a MIF document, its first statement does not end within " +
+                 std::to_string(SourceCheck::maximumStatement) + " bytes";
+    }
+    throw NotMif(stream_.name(), std::nullopt, reason);
+}
+
+// Throws what the stream or the memory met in a call of the reader. It comes before what the reader tells, because the
+// reader takes the one for the end of the data and may get over the other with a piece of the document missing.
+void Document::throwPendingError() const
+{
+    stream_.throwPendingError();
+    requireMemory();
 }
 
 void Document::requireMemory() const

@@ -48,6 +48,7 @@ constexpr ByteSet byteSet(std::string_view bytes)
 constexpr ByteSet whiteSpace = byteSet(" \t\n\v\f\r");
 constexpr ByteSet nameEnds = byteSet(" \t\n\v\f\r>");
 constexpr ByteSet lineEnds = byteSet("\n\r");
+constexpr ByteSet dataEnds = byteSet("\n\r=");
 constexpr ByteSet valueStops = byteSet("<>#`e"); // both macro words end in e
 
 bool isIn(const ByteSet &set, char byte)
@@ -92,7 +93,7 @@ const char *SourceCheck::scan(const char *next, const char *end)
     case State::Quoted:
         return scanQuoted(next, end);
     case State::Line:
-        return scanLine(next, end, State::Between);
+        return scanLine(next, end);
     case State::Keyword:
         return scanWord(next, end, State::Macro, State::Line);
     case State::Macro:
@@ -100,13 +101,10 @@ const char *SourceCheck::scan(const char *next, const char *end)
     case State::Object:
         return scanObject(next, end);
     case State::ObjectFacet:
-        next = scanWord(next, end, State::Between, State::ObjectLine);
-        if (state_ == State::Between) {
-            objectDepth_ = 0; // the brackets of the object's statements need not balance
-        }
-        return next;
-    case State::ObjectLine:
-        return scanLine(next, end, State::Object);
+        return scanObjectFacet(next, end);
+    case State::ObjectData:
+    case State::ObjectRest:
+        return scanObjectLine(next, end);
     }
     return end;
 }
@@ -134,7 +132,7 @@ const char *SourceCheck::scanBetween(const char *next, const char *end)
             return next + 1;
         default:
             state_ = State::Line;
-            return scanLine(next + 1, end, State::Between);
+            return scanLine(next + 1, end);
         }
     }
     return next;
@@ -153,16 +151,16 @@ const char *SourceCheck::scanName(const char *next, const char *end)
         return end;
     }
     if (*nameEnd == '>') {
-        noteLength(nameEnd);
+        noteLength(open_.back().position, nameEnd);
         open_.pop_back();
         state_ = State::Between;
         return nameEnd + 1;
     }
-    beginValue(name, *nameEnd);
-    return state_ == State::Value ? scanValue(nameEnd + 1, end) : scanObject(nameEnd + 1, end);
+    beginValue(name);
+    return state_ == State::Value ? scanValue(nameEnd + 1, end) : scanObject(nameEnd, end);
 }
 
-void SourceCheck::beginValue(std::string_view name, char separator) noexcept
+void SourceCheck::beginValue(std::string_view name) noexcept
 {
     state_ = State::Value;
     valueTail_ = 0;
@@ -171,7 +169,8 @@ void SourceCheck::beginValue(std::string_view name, char separator) noexcept
         inPage_ = true;
     } else if (name == objectName && !inPage_) {
         state_ = State::Object;
-        atLineStart_ = isIn(lineEnds, separator);
+        lineStart_ = open_.back().position;
+        isBlank_ = false;
     }
 }
 
@@ -184,16 +183,16 @@ const char *SourceCheck::scanValue(const char *next, const char *end)
         }
         switch (*next) {
         case '<':
-            noteLength(next);
+            noteLength(open_.back().position, next);
             state_ = State::Between;
             return next;
         case '>':
-            noteLength(next);
+            noteLength(open_.back().position, next);
             closeStatement();
             state_ = State::Between;
             return next + 1;
         case '#':
-            noteLength(next);
+            noteLength(open_.back().position, next);
             state_ = State::Line;
             return next + 1;
         case '`':
@@ -222,7 +221,7 @@ const char *SourceCheck::scanQuoted(const char *next, const char *end)
         next = close + 1;
         lastByte_ = '>';
         if (before != '\\') {
-            noteLength(close);
+            noteLength(open_.back().position, close);
             closeStatement();
             state_ = State::Between;
             return next;
@@ -231,11 +230,11 @@ const char *SourceCheck::scanQuoted(const char *next, const char *end)
     return next;
 }
 
-const char *SourceCheck::scanLine(const char *next, const char *end, State after)
+const char *SourceCheck::scanLine(const char *next, const char *end)
 {
     next = findIn(lineEnds, next, end);
     if (next != end) {
-        state_ = after;
+        state_ = State::Between;
     }
     return next;
 }
@@ -268,31 +267,51 @@ const char *SourceCheck::scanMacro(const char *next, const char *end)
     return next + 1;
 }
 
-// In an embedded object the reader counts brackets, quoted or not, and passes over facet and data lines.
+// In an embedded object the reader counts brackets, quoted or not, and passes over facet and data lines. Facet and data
+// may also begin in a line of statements, whose brackets then count all the same.
 const char *SourceCheck::scanObject(const char *next, const char *end)
 {
     for (; next != end; ++next) {
-        const bool isFirst = atLineStart_;
-        if (*next == ' ' || *next == '\t') {
-            continue;
-        }
-        atLineStart_ = isIn(lineEnds, *next);
-        if (*next == '<') {
-            ++objectDepth_;
-        } else if (*next == '>' && objectDepth_ > 0) {
-            --objectDepth_;
-        } else if (*next == '>') {
-            closeStatement();
-            state_ = State::Between;
-            return next + 1;
-        } else if (*next == '=' && isFirst) {
+        if (isIn(lineEnds, *next)) {
+            noteLength(lineStart_, next);
+            lineStart_ = positionOf(next) + 1;
+            isBlank_ = true;
+        } else if (*next == '=') {
             word_ = objectEnd;
             state_ = State::ObjectFacet;
             return next + 1;
-        } else if (*next == '&' && isFirst) {
-            state_ = State::ObjectLine;
+        } else if (*next == '&' && isBlank_) {
+            state_ = State::ObjectData;
             return next + 1;
+        } else if (*next == '>' && objectDepth_ == 0) {
+            noteLength(lineStart_, next);
+            closeStatement();
+            state_ = State::Between;
+            return next + 1;
+        } else {
+            objectDepth_ += *next == '<' ? 1 : 0;
+            objectDepth_ -= *next == '>' ? 1 : 0;
+            isBlank_ = isBlank_ && *next == ' ';
         }
+    }
+    return next;
+}
+
+const char *SourceCheck::scanObjectFacet(const char *next, const char *end)
+{
+    next = scanWord(next, end, State::Between, isBlank_ ? State::ObjectRest : State::Object);
+    if (state_ == State::Between) {
+        objectDepth_ = 0; // the brackets of the object's statements need not balance
+    }
+    return next;
+}
+
+// A data line ends with its line or with the '=' of a facet.
+const char *SourceCheck::scanObjectLine(const char *next, const char *end)
+{
+    next = findIn(state_ == State::ObjectData ? dataEnds : lineEnds, next, end);
+    if (next != end) {
+        state_ = State::Object;
     }
     return next;
 }
@@ -308,10 +327,9 @@ void SourceCheck::closeStatement() noexcept
     open_.pop_back();
 }
 
-// The part of the innermost statement that must fit in the reader's buffer ends with the byte at last.
-void SourceCheck::noteLength(const char *last) noexcept
+// What must fit in the reader's buffer as a whole stands from the position start to the byte at last.
+void SourceCheck::noteLength(std::uint64_t start, const char *last) noexcept
 {
-    const std::uint64_t start = open_.back().position;
     const std::uint64_t length = positionOf(last) + 1 - start;
     if (length <= maximumStatement) {
         return;

@@ -50,7 +50,7 @@ void applyCharacters(MifContext *context, const MifParagraphStyle &current, MifP
     if (current.hostFontNumber != applied.hostFontNumber || current.fontSize != applied.fontSize ||
         strcmp(current.fontFamily, applied.fontFamily) != 0) {
         mifWriteFont(context, current);
-        strcpy(applied.fontFamily, current.fontFamily);
+        memcpy(applied.fontFamily, current.fontFamily, sizeof(applied.fontFamily));
         applied.hostFontNumber = current.hostFontNumber;
         applied.fontSize = current.fontSize;
     }

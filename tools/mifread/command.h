@@ -23,6 +23,7 @@ struct Options {
     std::string output = "-";             // a path; "-" is standard output
     std::uint32_t bufferSize = 64 * 1024; // bytes
     std::string plugin;                   // a path; empty means the reader that the program is linked with
+    std::string folder;                   // a path; where the objects go
 };
 
 // Each converts all inputs, reports what went wrong on standard error, and goes on with the next input after a failure.
@@ -32,6 +33,9 @@ ExitCode runText(const Options &options);
 
 // The documents' token streams, one token a line.
 ExitCode runTokens(const Options &options);
+
+// The data of the documents' embedded objects, each in a file of the folder, and a list of them.
+ExitCode runObjects(const Options &options);
 
 } // namespace mifread
 

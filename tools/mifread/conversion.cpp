@@ -15,16 +15,16 @@
 namespace mifread
 {
 
-namespace
-{
-
 void complain(std::string_view message)
 {
     fmt::print(stderr, "mifread: {}\n", message);
 }
 
-// Reports what was lost in a document that was read to its end. Returns whether anything was.
-bool reportLosses(const std::string &name, const mifhost::SourceCheck &check, std::uint64_t lostCharacters)
+namespace
+{
+
+// Reports what the reader lost of a document that it read to its end. Returns whether it lost anything.
+bool reportLosses(const std::string &name, const mifhost::SourceCheck &check)
 {
     const std::size_t open = check.openStatements();
     const std::size_t dropped = check.droppedStatements();
@@ -35,15 +35,11 @@ bool reportLosses(const std::string &name, const mifhost::SourceCheck &check, st
     }
     if (dropped > 0) {
         complain(fmt::format(
-            "{}: byte {}: the first of the statements that were dropped because they have more than {} "
-            "bytes begins here (dropped: {}, the longest: {} bytes)",
+            "{}: byte {}: the first of the statements or lines of embedded objects that were dropped because they have "
+            "more than {} bytes begins here (dropped: {}, the longest: {} bytes)",
             name, check.firstDropped(), mifhost::SourceCheck::maximumStatement, dropped, check.longestDropped()));
     }
-    if (lostCharacters > 0) {
-        complain(fmt::format("{}: characters that Windows-1252 does not define were replaced by U+FFFD: {}", name,
-                             lostCharacters));
-    }
-    return open > 0 || dropped > 0 || lostCharacters > 0;
+    return open > 0 || dropped > 0;
 }
 
 ExitCode convertInput(const std::string &input, const mifhost::Plugin &plugin, const Options &options,
@@ -53,8 +49,9 @@ ExitCode convertInput(const std::string &input, const mifhost::Plugin &plugin, c
     mifhost::DocumentOptions documentOptions;
     documentOptions.bufferSize = options.bufferSize;
     mifhost::Document document(plugin, stream, documentOptions);
-    const std::uint64_t lostCharacters = convert(document, output);
-    return reportLosses(stream.name(), document.check(), lostCharacters) ? ExitCode::Losses : ExitCode::Success;
+    const bool isWritten = convert(document, output);
+    const bool isRead = !reportLosses(document.name(), document.check());
+    return isWritten && isRead ? ExitCode::Success : ExitCode::Losses;
 }
 
 // Reports the exception being handled, which concerns one input, and returns its exit code. An output that cannot be

@@ -2,8 +2,8 @@
 #ifndef MIFREAD_CONVERSION_H
 #define MIFREAD_CONVERSION_H
 
-#include <cstdint>
 #include <functional>
+#include <string_view>
 
 #include "command.h"
 #include "mifhost/document.h"
@@ -12,8 +12,12 @@
 namespace mifread
 {
 
-// Writes one document to output, up to its last token. Returns the number of characters that could not be written.
-using Converter = std::function<std::uint64_t(mifhost::Document &document, OutputFile &output)>;
+// Writes a line to standard error.
+void complain(std::string_view message);
+
+// Writes one document to output, up to its last token. Returns whether all of what was read could be written, and
+// complains of what could not.
+using Converter = std::function<bool(mifhost::Document &document, OutputFile &output)>;
 
 // Converts every input of the options to their output and reports failures and losses on standard error. Returns the
 // exit code of the whole: that of the failures when they are of one kind.

@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
-#include <limits>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
 #include "command.h"
+#include "mifhost/document.h"
 
 namespace
 {
@@ -30,7 +30,7 @@ void addSharedOptions(CLI::App &command, Options &options)
         ->type_name("FILE");
     command.add_option("--buffer", options.bufferSize, "The reader's token buffer, 65536 bytes if not given")
         ->type_name("BYTES")
-        ->check(CLI::Range(std::uint32_t{1}, std::numeric_limits<std::uint32_t>::max() - 1));
+        ->check(CLI::Range(std::uint32_t{1}, mifhost::DocumentOptions::largestBuffer));
     command.add_option("--plugin", options.plugin, "Read with this reader plug-in instead of the built-in one")
         ->type_name("PATH");
 }
@@ -54,6 +54,17 @@ int run(int argumentCount, char **arguments)
         ->type_name("");
     addSharedOptions(*tokens, options);
 
+    CLI::App *objects =
+        program.add_subcommand("objects", "Write the embedded objects of a document to files and list them");
+    objects->add_option("FILE", options.inputs, "The document; - is standard input")
+        ->required()
+        ->expected(1)
+        ->type_name("");
+    objects->add_option("-d,--directory", options.folder, "Write the objects to this folder, made if it is missing")
+        ->required()
+        ->type_name("DIR");
+    addSharedOptions(*objects, options);
+
     try {
         program.parse(argumentCount, arguments);
     } catch (const CLI::Success &wish) { // --help and --version
@@ -62,8 +73,10 @@ int run(int argumentCount, char **arguments)
         std::cerr << "mifread: " << error.what() << "\nmifread: see mifread --help\n";
         return static_cast<int>(ExitCode::Usage);
     }
-    const ExitCode code = text->parsed() ? runText(options) : runTokens(options);
-    return static_cast<int>(code);
+    if (text->parsed()) {
+        return static_cast<int>(runText(options));
+    }
+    return static_cast<int>(tokens->parsed() ? runTokens(options) : runObjects(options));
 }
 
 } // namespace

@@ -45,8 +45,13 @@ void OutputFile::open(const std::string &path)
     // A link stays a link: the file that it leads to is replaced.
     targetPath_ = exists ? fs::canonical(path, ignored).string() : path;
     const fs::path folder = fs::path(targetPath_).parent_path();
-    const std::string temporary = folder / (".mifread-" + std::to_string(getpid()) + ".tmp");
-    file_ = mifhost::FileDescriptor(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    const std::string stem = folder / (".mifread-" + std::to_string(getpid()) + "-");
+    std::string temporary;
+    int number = 0;
+    do {
+        temporary = stem + std::to_string(number++) + ".tmp";
+        file_ = mifhost::FileDescriptor(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    } while (file_.get() < 0 && errno == EEXIST);
     if (file_.get() < 0) {
         return;
     }

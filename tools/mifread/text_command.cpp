@@ -1,6 +1,8 @@
 #include <string>
 #include <variant>
 
+#include <fmt/format.h>
+
 #include "command.h"
 #include "conversion.h"
 #include "mifhost/charset.h"
@@ -34,7 +36,7 @@ struct TextWriter {
     }
 };
 
-std::uint64_t writeText(mifhost::Document &document, OutputFile &output)
+bool writeText(mifhost::Document &document, OutputFile &output)
 {
     mifhost::Windows1252 charset;
     const TextWriter writer{charset, output.text()};
@@ -42,7 +44,12 @@ std::uint64_t writeText(mifhost::Document &document, OutputFile &output)
         std::visit(writer, *token);
         output.writeFullBlocks();
     }
-    return charset.undefinedBytes();
+    if (charset.undefinedBytes() > 0) {
+        complain(fmt::format("{}: characters that Windows-1252 does not define were replaced by U+FFFD: {}",
+                             document.name(), charset.undefinedBytes()));
+        return false;
+    }
+    return true;
 }
 
 } // namespace

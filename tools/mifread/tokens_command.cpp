@@ -8,14 +8,14 @@ namespace mifread
 namespace
 {
 
-std::uint64_t listTokens(mifhost::Document &document, OutputFile &output)
+bool listTokens(mifhost::Document &document, OutputFile &output)
 {
     TokenListing listing(document.fonts());
     while (const mifhost::Token *token = document.next()) {
         listing.append(*token, output.text());
         output.writeFullBlocks();
     }
-    return 0;
+    return true;
 }
 
 } // namespace

@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <limits>
 #include <memory>
+#include <string>
 
 #include "mifhost/fonts.h"
 #include "mifhost/memory.h"
@@ -18,8 +20,9 @@ namespace mifhost
 {
 
 struct DocumentOptions {
-    // The buffer for tokens in bytes, 1 to 2^32 - 2. It must hold the largest token; the default does for every
-    // document but the strangest.
+    // The buffer for tokens in bytes, 1 to largestBuffer. It must hold the largest token; the default does for every
+    // document but the strangest. Above the largest one the reader's limit, nine tenths of it, wraps.
+    static constexpr std::uint32_t largestBuffer = std::numeric_limits<std::uint32_t>::max() / 9;
     std::uint32_t bufferSize = 64 * 1024;
 
     // The most memory in bytes that the reader may use for the document; 0 means no limit.
@@ -45,8 +48,14 @@ public:
     //   IoError       the stream cannot be read, or became shorter
     //   LimitReached  the memory limit was hit or the heap exhausted, or a token is larger than the buffer
     //   StreamError, PluginError  the reader is faulty
-    // and then the same again.
+    // and then the same again. While an Object of the document is open it throws std::logic_error and does nothing.
     const Token *next();
+
+    // What messages call the document.
+    const std::string &name() const noexcept
+    {
+        return stream_.name();
+    }
 
     // How much of the document has been read: whole percent as the reader tells it, 0 to 100, and bytes.
     int percent() const noexcept
@@ -76,21 +85,14 @@ public:
         return check_;
     }
 
-    // The operations on embedded objects and the context that their MifFileHandle takes, for use between two calls of
-    // next(). Slots that the reader did not offer are null. Both are valid as long as this object.
-    const MifFileAccess &fileAccess() const noexcept
-    {
-        return fileAccess_;
-    }
-    MifContext *context() const noexcept
-    {
-        return context_.get();
-    }
-
 private:
+    friend class Object;
+
     static std::uint32_t notify(void *cookie, std::uint32_t code, void *data) noexcept;
     void fill();
     void checkResult(std::int32_t result, std::uint32_t written) const;
+    [[noreturn]] void throwRefusal() const;
+    void throwPendingError() const;
     void requireMemory() const;
 
     Stream &stream_;
@@ -98,7 +100,8 @@ private:
     Memory memory_;
     FontRegistry fonts_;
     SourceCheck check_;
-    MifFileAccess fileAccess_{};
+    MifFileAccess fileAccess_{}; // the operations on embedded objects; null where the reader offers none
+    bool objectIsOpen_ = false;
     std::uint32_t bufferSize_;
     std::unique_ptr<std::uint8_t[]> buffer_;
     TokenDecoder decoder_;

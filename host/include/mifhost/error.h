@@ -43,7 +43,8 @@ public:
     using Error::Error;
 };
 
-// The document needs more than it was given: memory, a larger token buffer, or a size below 2 GiB.
+// The document needs more than it was given, memory or a larger token buffer, or more than the reader can do: it has
+// 2 GiB or more, or an object's data cannot be decoded.
 class LimitReached : public Error
 {
 public:

@@ -13,7 +13,7 @@
 //  3. What is passed by reference or as a view stays the caller's and must outlive the object that received it. What is
 //     returned as a reference, pointer or view belongs to the object that returned it; a token is valid until the next
 //     one is asked for.
-//  4. Objects whose address the reader knows (Memory, Stream, Document) can be neither copied nor moved.
+//  4. What the reader knows by its address (Memory, Stream, Document, Object) can be neither copied nor moved.
 //  5. Positions and sizes are bytes, measurements are twips (1440 to the inch), text is Windows-1252 until Windows1252
 //     converts it.
 //  6. A document is smaller than 2 GiB.
@@ -25,6 +25,7 @@
 #include "mifhost/error.h"
 #include "mifhost/fonts.h"
 #include "mifhost/memory.h"
+#include "mifhost/object.h"
 #include "mifhost/plugin.h"
 #include "mifhost/source_check.h"
 #include "mifhost/stream.h"

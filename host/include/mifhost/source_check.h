@@ -13,13 +13,13 @@ namespace mifhost
 {
 
 // Follows the statements of a document while a reader reads it and finds two kinds of loss: the document ends inside a
-// statement, and statements that the reader drops because they are longer than its source buffer. It sees every byte
-// once, in order; bytes that a reader reads again are passed over.
+// statement, and statements, or lines of embedded objects, that the reader drops because they are longer than its
+// source buffer. It sees every byte once, in order; bytes that a reader reads again are passed over.
 class SourceCheck
 {
 public:
     // The most bytes of one statement that the reader takes up: from its '<' to its '>', or to the '<' of the first
-    // statement nested in it.
+    // statement nested in it. In an embedded object it is the most bytes of a line, its line end included.
     static constexpr std::size_t maximumStatement = 4096;
 
     // Takes note of bytes read at a position. Only what follows the bytes seen so far counts. May throw std::bad_alloc.
@@ -49,8 +49,8 @@ public:
         return open_.empty() ? 0 : open_.back().position;
     }
 
-    // The statements longer than maximumStatement: their number, the position of the first one's '<', and the length of
-    // the longest.
+    // The statements and lines longer than maximumStatement: their number, the position of the first one's first byte,
+    // and the length of the longest.
     std::size_t droppedStatements() const noexcept
     {
         return droppedStatements_;
@@ -75,7 +75,8 @@ private:
         Macro,       // after the word of a macro, which ends with a ')'
         Object,      // among the statements of an embedded object
         ObjectFacet, // after a '=' in an object
-        ObjectLine   // in a data line of an object
+        ObjectData,  // in a data line of an object
+        ObjectRest   // in the rest of a facet's line
     };
 
     // Open statements take 4 bytes each, so that no document makes the check grow beyond its own size.
@@ -91,18 +92,20 @@ private:
     const char *scanName(const char *next, const char *end);
     const char *scanValue(const char *next, const char *end);
     const char *scanQuoted(const char *next, const char *end);
-    const char *scanLine(const char *next, const char *end, State after);
+    const char *scanLine(const char *next, const char *end);
     const char *scanWord(const char *next, const char *end, State found, State missed);
     const char *scanMacro(const char *next, const char *end);
     const char *scanObject(const char *next, const char *end);
+    const char *scanObjectFacet(const char *next, const char *end);
+    const char *scanObjectLine(const char *next, const char *end);
 
     std::uint64_t positionOf(const char *byte) const noexcept
     {
         return bytesSeen_ - static_cast<std::uint64_t>(chunkEnd_ - byte);
     }
     void closeStatement() noexcept;
-    void noteLength(const char *last) noexcept;
-    void beginValue(std::string_view name, char separator) noexcept;
+    void noteLength(std::uint64_t start, const char *last) noexcept;
+    void beginValue(std::string_view name) noexcept;
 
     State state_ = State::Between;
     std::uint64_t bytesSeen_ = 0;
@@ -115,7 +118,8 @@ private:
     char lastByte_ = 0;           // Quoted: the byte before the ones being fed
     std::string_view word_;       // Keyword, ObjectFacet: what is still to come of the word
     std::size_t objectDepth_ = 0; // statements open inside an embedded object
-    bool atLineStart_ = false;    // Object: only blanks so far in this line
+    std::uint64_t lineStart_ = 0; // Object: the position of this line's first byte
+    bool isBlank_ = false;        // Object: only blanks have stood in this line, or in it before its facet or data
 
     std::size_t droppedStatements_ = 0;
     std::uint64_t firstDropped_ = 0;

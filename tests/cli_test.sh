@@ -1,0 +1,87 @@
+#!/usr/bin/env bash
+# cli_test.sh MIFREAD PLUGIN EXAMPLES: exit codes, messages and output files of mifread.
+set -uo pipefail
+mifread=$1 plugin=$2 letter=$3/letter.mif
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder" || exit 1
+failures=0
+
+fail() {
+    echo "FAILED: $*"
+    failures=$((failures + 1))
+}
+
+# run CODE MESSAGE ARGUMENT...: mifread ends with CODE, and says MESSAGE (a pattern; empty for nothing) on standard error.
+run() {
+    local code=$1 message=$2
+    shift 2
+    "$mifread" "$@" >out 2>err
+    local result=$?
+    [ "$result" -eq "$code" ] || fail "mifread $*: exit code $result, not $code; $(cat err)"
+    if [ -n "$message" ]; then
+        grep -qE -- "^mifread: .*$message" err || fail "mifread $*: no '$message' in: $(cat err)"
+    elif [ -s err ]; then
+        fail "mifread $*: unexpected: $(cat err)"
+    fi
+}
+
+says() { grep -qF -- "$1" "$2" || fail "no '$1' in $2"; }
+silent() { [ ! -s out ] || fail "something was printed: $(head -c 100 out)"; }
+
+body='<Page <PageType BodyPage> <TextRect <ID 9>>>'
+printf '<MIFFile 5>%s<TextRectID 9><Para <String `one'"'"'>>\n<Para <String `tw' "$body" >truncated.mif
+printf '<MIFFile 5>%s<TextRectID 9><String `one'"'"'>\n<String `%5000s'"'"'>\n<String `two'"'"'>' "$body" x >long.mif
+printf '<MIFFile 5>%s<TextRectID 9><String `a\\x81 b'"'"'>' "$body" >good.mif
+printf '<MIFFile 5>%s<TextRectID 9><Char Tab><String `\\x8d \\xd2 x'"'"'><Char HardReturn>' "$body" >accents.mif
+printf '<MIFFile 5>%s<TextRectID 9><String `a\201b'"'"'>' "$body" >undefined.mif
+head -c 20000 /dev/urandom >random
+: >empty
+
+# Usage, help and version.
+run 2 'subcommand'
+run 2 'help' text
+run 2 'help' text --nonsense good.mif
+run 2 'help' text --buffer 0 good.mif
+run 0 '' --help; says 'Exit codes' out
+run 0 '' text --help; says '--buffer' out
+run 0 '' --version; grep -qE '^mifread [0-9]+\.[0-9]+\.[0-9]+$' out || fail 'version'
+
+# What is wrong with an input: a message and a code for each.
+run 3 'missing: .*No such file' text missing
+run 3 '\.: .*directory' text .
+run 4 'empty: .*empty' text empty; silent
+run 4 'random: .*MIF' text random; silent
+run 1 'truncated.mif: byte [0-9]+: .*ends inside' text truncated.mif; says one out
+run 1 'long.mif: byte [0-9]+: .*4096' text long.mif; says two out
+run 1 'undefined.mif: .*Windows-1252' text undefined.mif
+run 5 'good.mif: .*buffer' text --buffer 37 good.mif
+run 3 'No such file|cannot open' text --plugin ./missing.so good.mif
+run 1 'missing' text missing empty good.mif
+run 3 'missing' text missing good.mif
+run 4 'empty' text random empty
+
+# Text in UTF-8.
+run 0 '' text accents.mif
+printf '\tç“x\n' | cmp -s - out || fail "text: $(cat out)"
+
+# Streams, plug-in and output files.
+"$mifread" text "$letter" >whole || fail 'the letter'
+"$mifread" text - <"$letter" | cmp - whole || fail 'standard input'
+cat "$letter" | "$mifread" text - --buffer 4096 | cmp - whole || fail 'a pipe'
+"$mifread" text --plugin "$plugin" "$letter" | cmp - whole || fail 'the plug-in'
+run 0 '' text "$letter" -o result; cmp result whole || fail 'an output file'
+echo kept >result
+run 4 'random' text random -o result; says kept result
+run 4 'random' text random -o new; [ ! -e new ] || fail 'an empty output file'
+run 1 'ends inside' text truncated.mif -o new; says one new
+run 3 'cannot' text "$letter" -o missing/result
+run 3 'cannot write' text "$letter" -o /dev/full
+"$mifread" text "$letter" 2>err >/dev/full; [ $? -eq 3 ] || fail 'a full standard output'
+[ -z "$(ls -A | grep -F .tmp)" ] || fail 'a temporary file is left'
+
+# The listing.
+run 0 '' tokens "$letter"
+[ "$(head -1 out)" = 'page-setup width=12240 height=15840 left=1440 top=1440 right=1440 bottom=1440' ] || fail 'tokens'
+
+[ "$failures" -eq 0 ]

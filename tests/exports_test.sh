@@ -1,0 +1,4 @@
+#!/usr/bin/env bash
+# exports_test.sh LIBRARY LIST: the shared library exports the symbols of the list and no others.
+set -euo pipefail
+diff <(nm -D --defined-only --format=posix "$1" | awk '$2 != "A" { sub(/@.*/, "", $1); print $1 }' | sort) "$2"

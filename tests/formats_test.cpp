@@ -1,0 +1,214 @@
+// Formats: catalogs, direct properties and stored ones, and the lazy writing of what differs.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "reader/context.h"
+#include "reader/index.h"
+#include "support/test_host.h"
+
+using namespace miftest;
+
+namespace
+{
+
+// A text flow behind catalogs of its own.
+std::string tokensWith(const std::string &catalogs, const std::string &flow)
+{
+    return bodyListing(convert(documentOf("<TextRectID 8>" + catalogs + "<TextRectID 9>" + flow)));
+}
+
+const std::string indents = "para-format left=1440 right=1440 first=0 alignment=left\n";
+
+// What a document makes of the current format, looked at in the context.
+struct State {
+    MifParagraphStyle current;
+    uint32_t styleChanged;
+};
+
+State stateAfter(const std::string &flow)
+{
+    TestHost host(documentOf(flow));
+    MifContext *context = host.open();
+    EXPECT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+    Conversion conversion;
+    host.fill(context, conversion);
+    const State state = {context->formats.currentStyle, context->formats.styleChanged};
+    host.close(context);
+    return state;
+}
+
+int32_t fontSizeAfter(const std::string &flow)
+{
+    return stateAfter(flow).current.fontSize;
+}
+
+uint32_t modesAfter(const std::string &flow)
+{
+    return stateAfter(flow).current.modes;
+}
+
+} // namespace
+
+// The indents that every document starts with are written with the first change of anything.
+TEST(Formats, OnlyDifferencesAreWritten)
+{
+    EXPECT_EQ(tokensOf("<String `a'><FSize 12.5 pt><String `b'><FSize 12><String `c'>"),
+              "text \"a\"\n" + indents + "font number=0 size=12\ntext \"b\"\ntext \"c\"\n");
+    EXPECT_EQ(tokensOf("<PgfLIndent 0><PgfRIndent 0><PgfSpBefore 1.0\"><FColor Red><String `a'>"),
+              "text-color red=255 green=0 blue=0\ntext \"a\"\n");
+    EXPECT_EQ(tokensOf("<TextRectID 8><FBold Yes><String `x'><FBold No><FStrike Yes><TextRectID 9><Char Yen>"),
+              indents + "attribute strike on\ntext \"\\xa5\"\n");
+}
+
+TEST(Formats, ModesGoOnWithTextAndOffAtParagraphEnds)
+{
+    EXPECT_EQ(
+        tokensOf(
+            "<PgfLIndent 0><PgfRIndent 0><Para <FBold Yes><String `a'><FAngle Italic><String `b'>><Para <String `c'>>"),
+        "attribute bold on\ntext \"a\"\nattribute bold on\nattribute italic on\ntext \"b\"\n"
+        "attribute bold off\nattribute italic off\nline-break\npara-end\n"
+        "attribute bold on\nattribute italic on\ntext \"c\"\nattribute bold off\nattribute italic "
+        "off\nline-break\npara-end\n");
+    EXPECT_EQ(
+        tokensOf("<PgfLIndent 0><PgfRIndent 0><FCase FSmallCaps><String `a'><FCase FUpperCase><Para <String `b'>>"),
+        "attribute small-caps on\ntext \"a\"\nattribute upper-case on\ntext \"b\"\n"
+        "attribute upper-case off\nline-break\npara-end\n");
+    // Taking raised text back gives the size back.
+    EXPECT_EQ(fontSizeAfter("<FSize 12><FPosition FSuperscript><Para <String `a'>>"), 12);
+    EXPECT_EQ(fontSizeAfter("<FSize 10><FSubScript Yes><Para <String `a'>>"), 9);
+}
+
+TEST(Formats, Scripts)
+{
+    EXPECT_EQ(fontSizeAfter("<FSize 10><FPosition FSuperscript>"), 7);
+    EXPECT_EQ(fontSizeAfter("<FSize 10><FPosition FSuperscript><FPosition FSuperscript>"), 5);
+    EXPECT_EQ(fontSizeAfter("<FSize 10><FPosition FSuperscript><FPosition FNormal>"), 9);
+    EXPECT_EQ(fontSizeAfter("<FSize 10><FPosition FSubscript><FPosition FSuperscript>"), 6);
+    EXPECT_EQ(fontSizeAfter("<FSize 10><FSubScript Yes><FSupScript Yes>"), 7);
+    EXPECT_EQ(modesAfter("<FSubScript Yes><FSupScript Yes>"), MODE_SUPERSCRIPT);
+    EXPECT_EQ(fontSizeAfter("<FSize 10><FSubScript Yes><FSubScript No><FSubScript No>"), 9);
+    EXPECT_EQ(modesAfter("<TextRectID 8><FSubScript Yes><FPosition FSuperscript>"), 0U) << "outside of body text";
+    EXPECT_EQ(
+        fontSizeAfter("<FSize 2147483647><FPosition FSuperscript><FPosition FNormal><FSize 2147483647><FSubScript Yes>"
+                      "<FSize 2147483647><FSubScript No>"),
+        INT32_MAX);
+}
+
+TEST(Formats, DirectAndStoredHandlingDiffer)
+{
+    const std::string stored = "<TextRectID 8><FSize 10><PgfCatalog <Pgf <PgfTag `T'> <PgfFont %>>>";
+    const auto define = [&](const std::string &property) {
+        return std::string(stored).replace(stored.find('%'), 1, property);
+    };
+    EXPECT_EQ(modesAfter(define("<FItalic Yes>")), 0U);
+    EXPECT_EQ(modesAfter(define("<FItalic True>")), MODE_ITALIC);
+    EXPECT_EQ(modesAfter("<FItalic Yes>"), MODE_ITALIC);
+    EXPECT_EQ(modesAfter("<FItalic True>"), 0U);
+    EXPECT_EQ(modesAfter(define("<FPosition FSuperscript>")), MODE_SUPERSCRIPT);
+    EXPECT_EQ(fontSizeAfter(define("<FPosition FSuperscript>")), 10);
+    EXPECT_EQ(fontSizeAfter(define("<FSupScript Yes>")), 7);
+
+    const auto fontsOf = [](const std::string &flow) { return convert(documentOf(flow)).fonts.size(); };
+    EXPECT_EQ(fontsOf("<TextRectID 8><FFamily `F'>"), 0U);
+    EXPECT_EQ(fontsOf("<TextRectID 8><Font <FFamily `F'>>"), 1U);
+    EXPECT_EQ(fontsOf("<TextRectID 8><Pgf <PgfTag `T'><FFamily `F'>>"), 0U);
+    EXPECT_EQ(fontsOf("<TextRectID 8><PgfCatalog <Pgf <PgfTag `T'><FFamily `F'>>>"), 1U);
+    EXPECT_STREQ(stateAfter("<PgfCatalog <Pgf <PgfTag `T'> <PgfNumString `1.'>>>").current.numString, "");
+    EXPECT_STREQ(stateAfter("<PgfNumString `1\\t'>").current.numString, "1\\t");
+}
+
+TEST(Formats, Catalogs)
+{
+    const std::string catalog = "<PgfCatalog <Pgf <PgfTag `A'> <PgfAlignment Center> <PgfLIndent 0.5\"> <Bogus 1>>"
+                                "<Pgf <PgfTag `A'> <PgfAlignment Right>> <Pgf <PgfTag `a'> <PgfAlignment LeftRight>>>";
+    EXPECT_EQ(tokensWith(catalog, "<PgfTag `A'><String `x'><PgfTag `a'><String `y'>"),
+              "para-format left=720 right=1440 first=0 alignment=center\ntext \"x\"\n"
+              "para-format left=720 right=1440 first=0 alignment=left-right\ntext \"y\"\n");
+    // A tag that the catalog does not know is defined by the next Pgf.
+    EXPECT_EQ(tokensOf("<PgfTag `New'><String `x'><Pgf <PgfAlignment Right>><String `y'><Pgf <PgfAlignment Left>>"
+                       "<String `z'><PgfTag `New'><String `w'>"),
+              "text \"x\"\npara-format left=1440 right=1440 first=0 alignment=right\ntext \"y\"\n" + indents +
+                  "text \"z\"\n" + "para-format left=1440 right=1440 first=0 alignment=right\ntext \"w\"\n");
+    EXPECT_EQ(stateAfter("<PgfTag `'>").styleChanged, 0U);
+    // Selecting a format decides anew whether anything differs.
+    EXPECT_EQ(stateAfter("<PgfCatalog <Pgf <PgfTag `A'> <PgfLIndent 1\">>><FSize 3><String `x'><FSize 4><PgfTag `A'>")
+                  .styleChanged,
+              0U);
+    // A font tag brings the paragraph's format back; an unknown one switches the modes off first.
+    const std::string fonts = "<FontCatalog <Font <FTag `E'> <FAngle Italic>>><PgfTag `B'><Pgf <FSize 9>>";
+    EXPECT_EQ(tokensWith(fonts, "<FBold Yes><FSize 12><String `x'><FTag `E'><String `y'><FTag `'><String `z'>"),
+              indents + "font number=0 size=12\nattribute bold on\ntext \"x\"\nfont number=0 size=9\ntext \"y\"\n"
+                        "attribute bold off\nattribute bold on\ntext \"z\"\n");
+}
+
+TEST(Formats, TabStops)
+{
+    EXPECT_EQ(
+        tokensOf(
+            "<PgfLIndent 0><PgfRIndent 0><PgfNumTabs 3><TabStop <TSX 1.0\"> <TSType Right>><TSX 2.5\"><TSType "
+            "Center><TSType Decimal><TSX 72 pt><TSX 9\">"
+            "<FSize 1><String `a'><PgfNumTabs 3><TSX 0.5\"><FSize 2><String `b'><PgfNumTabs x><FSize 3><String `c'>"),
+        "font number=0 size=1\ntab-stops right=1440 center=3600 left=1440\ntext \"a\"\n"
+        "font number=0 size=2\ntab-stops right=720 center=3600 left=1440\ntext \"b\"\n"
+        "font number=0 size=3\ntab-stops none\ntext \"c\"\n");
+    EXPECT_EQ(stateAfter("<PgfNumTabs 2><PgfNumTabs -1><TSX 1\">").current.tabCount, 0);
+    const std::string many = documentOf("<PgfNumTabs 100000><FSize 9><String `a'>");
+    EXPECT_EQ(convert(many, {.bufferSize = 1 << 18}).result, 6) << "larger than the buffer";
+    EXPECT_EQ(convert(many, {.bufferSize = 1 << 20}).result, 0);
+}
+
+TEST(Formats, NumberTexts)
+{
+    const std::string flush = "<PgfLIndent 0><PgfRIndent 0>";
+    const std::string para = "line-break\npara-end\n";
+    EXPECT_EQ(
+        tokensOf(flush + "<Para <PgfNumString `1\\t'> <String `a'><FSize 9><String `b'>><Para <FSize 8><String `c'>>"),
+        "tab\ntext \"1 \"\ntext \"a\"\nfont number=0 size=9\ntext \"b\"\n" + para +
+            "font number=0 size=8\ntext \"c\"\n" + para);
+    EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'>><Para <String `b'>>"), para + "text \"b\"\n" + para)
+        << "dropped";
+    EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'><Notes <Para <String `n'>>><String `b'>>"),
+              "text \"1\"\ntext \"b\"\n" + para);
+    EXPECT_EQ(tokensOf(flush + "<PgfNumString `" + std::string(200, 'n') + "'><String `b'>"),
+              "text \"" + std::string(159, 'n') + "\"\ntext \"b\"\n");
+}
+
+TEST(Formats, Variables)
+{
+    const std::string catalog =
+        "<VariableFormats <VariableFormat <VariableName `V'> <VariableDef `<$a\\><$b\\>Rev \\xd2 A<open'>>"
+        "<VariableFormat <VariableName `V'> <VariableDef `second'>> <VariableName `none'> <VariableName `E'>"
+        "<VariableDef `<$a\\>'>>";
+    const auto reference = [](const std::string &name) { return "<Variable <VariableName `" + name + "'>>"; };
+    EXPECT_EQ(
+        tokensWith(catalog, reference("V") + reference("V") + reference("v") + reference("none") + reference("E")),
+        "text \"Rev \\x93A<open\"\ntext \"Rev \\x93A<open\"\ntext \"\"\n");
+    EXPECT_EQ(tokensOf("<VariableDef `x'>" + reference("V")), "");
+    EXPECT_EQ(tokensWith(catalog, "<Notes " + reference("E") + "><TextRectID 8>" + reference("E")), "text \"\"\n");
+}
+
+TEST(Index, FindsEveryKeyAndKeepsTheFirst)
+{
+    struct Record : MifIndexNode {
+        std::string text;
+    };
+    MifIndex index{};
+    std::vector<Record> records(5000);
+    uint32_t random = 1;
+    for (Record &record : records) {
+        for (random = random * 1664525 + 1013904223; record.text.size() < (random >> 29);) {
+            record.text += static_cast<char>(random >> (record.text.size() * 3) & 0x83);
+        }
+        const auto *before = index.find(record.text.data(), record.text.size());
+        index.insert(&record, record.text.data(), record.text.size());
+        const auto *found = static_cast<const Record *>(index.find(record.text.data(), record.text.size()));
+        ASSERT_NE(found, nullptr);
+        EXPECT_EQ(found, before != nullptr ? before : &record);
+    }
+    for (const Record &record : records) {
+        const auto *found = static_cast<const Record *>(index.find(record.text.data(), record.text.size()));
+        ASSERT_TRUE(found != nullptr && found->text == record.text && found <= &record);
+    }
+    EXPECT_EQ(index.find("absent", 6), nullptr);
+}

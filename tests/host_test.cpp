@@ -1,0 +1,215 @@
+// The host library: streams, memory, plug-ins, sessions, the decoder's distrust, and the check of the source.
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "mifhost/mifhost.h"
+#include "support/test_host.h"
+
+using namespace miftest;
+
+namespace
+{
+
+std::span<const uint8_t> bytesOf(const std::string &text)
+{
+    return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
+}
+
+// The text of a document through a session.
+std::string textOf(mifhost::Document &document)
+{
+    std::string text;
+    while (const mifhost::Token *token = document.next()) {
+        if (const auto *run = std::get_if<mifhost::Text>(token)) {
+            text += run->bytes;
+        }
+    }
+    return text;
+}
+
+std::string messageOf(const std::string &stream)
+{
+    mifhost::TokenDecoder decoder;
+    decoder.decode(bytesOf(stream));
+    try {
+        while (decoder.next() != nullptr) {
+        }
+    } catch (const mifhost::StreamError &error) {
+        return error.what();
+    }
+    return "";
+}
+
+} // namespace
+
+// Every byte of a valid stream, changed to anything, is decoded within its bounds or refused with its position.
+TEST(TokenDecoder, TrustsNothing)
+{
+    const std::string stream =
+        convert(documentOf("<PgfNumTabs 2><FSize 9><FBold Yes><FColor Red><String `text'><Para >")).stream;
+    EXPECT_EQ(messageOf(stream), "");
+    for (size_t length = 1; length < stream.size(); ++length) {
+        messageOf(stream.substr(0, length));
+    }
+    for (size_t position = 0; position < stream.size(); ++position) {
+        for (const int value : {0, 1, 4, 5, 9, 127, 255}) {
+            std::string changed = stream;
+            changed[position] = static_cast<char>(value);
+            messageOf(changed);
+        }
+    }
+    EXPECT_NE(messageOf(stream + '\x07').find("byte " + std::to_string(stream.size())), std::string::npos);
+    EXPECT_NE(messageOf(std::string("\x03\x07\x00\x00\x00\x00\x00", 7)), "") << "a wrong length";
+    EXPECT_NE(messageOf(std::string("\x00\x0b\x00\x00\x00\x05\x00\x00\x00xx", 11)), "") << "a wrong count";
+    EXPECT_NE(messageOf(std::string("\x04\x09\x00\x00\x00\x03\x80\x00\x00", 9)), "") << "no such mode";
+}
+
+TEST(Document, ConvertsThroughEveryWayOfLoading)
+{
+    const std::string text = documentOf("<Para <String `a'>><FFamily `Courier New'><FSize 9><String `b'>");
+    mifhost::MemoryStream stream(bytesOf(text), "name");
+    const mifhost::Plugin plugin = mifhost::Plugin::load(MIFREADER_PLUGIN);
+    mifhost::Document document(plugin, stream, {.bufferSize = 100});
+    EXPECT_EQ(textOf(document), "ab");
+    EXPECT_EQ(document.percent(), 100);
+    EXPECT_EQ(document.bytesRead(), text.size());
+    ASSERT_NE(document.fonts().find(0), nullptr);
+    EXPECT_EQ(document.fonts().find(0)->name, "Courier New");
+    EXPECT_EQ(mifhost::fontClassName(document.fonts().find(0)->familyClass), "modern");
+    EXPECT_GT(document.memory().peakBytes(), 4096U);
+
+    EXPECT_THROW(mifhost::Plugin::load("./missing.so"), mifhost::PluginError);
+    EXPECT_THROW(mifhost::Plugin::load("libc.so.6"), mifhost::PluginError);
+}
+
+TEST(Document, SaysWhatIsWrong)
+{
+    const std::string random = "no document";
+    mifhost::MemoryStream noMif(bytesOf(random), "name");
+    mifhost::Document refused(noMif);
+    EXPECT_THROW(refused.next(), mifhost::NotMif);
+    EXPECT_THROW(refused.next(), mifhost::NotMif) << "and again";
+
+    const std::string text =
+        documentOf("<String `begin'>" + std::string(20, ' ') + "<String `" + std::string(500, 'x') + "'>");
+    mifhost::MemoryStream stream(bytesOf(text), "name");
+    mifhost::Document tooSmall(stream, {.bufferSize = 400});
+    std::string kept;
+    EXPECT_THROW(
+        {
+            while (const mifhost::Token *token = tooSmall.next()) {
+                const auto *run = std::get_if<mifhost::Text>(token);
+                kept += run != nullptr ? run->bytes : "";
+            }
+        },
+        mifhost::LimitReached);
+    EXPECT_EQ(kept, "begin") << "what came before the failure";
+
+    bool whole = false;
+    for (size_t limit = 1000; !whole; limit += 500) {
+        stream.seek(0);
+        try {
+            mifhost::Document document(stream, {.memoryLimit = limit});
+            whole = textOf(document).size() == 505;
+            EXPECT_LE(document.memory().peakBytes(), limit);
+        } catch (const mifhost::LimitReached &) {
+        }
+        ASSERT_LT(limit, 100'000U);
+    }
+}
+
+TEST(Object, ReadsSeeksAndGuardsItsDocument)
+{
+    std::string lines = "=A\n&\\x\n";
+    std::string expected;
+    for (int line = 0; line < 2000; ++line) {
+        lines += "&4142430d0A\n";
+        expected += "ABC\r\n";
+    }
+    const std::string text =
+        documentOf("<AFrames <Frame <ID 5> <ImportObject\n" + lines + "=EndInset\n>>><AFrame 5><String `b'>");
+    mifhost::MemoryStream stream(text, "name");
+    mifhost::Document document(stream);
+    const mifhost::Token *token = document.next();
+    while (token != nullptr && !std::holds_alternative<mifhost::Frame>(*token)) {
+        token = document.next();
+    }
+    ASSERT_NE(token, nullptr);
+    {
+        mifhost::Object object(document, std::get<mifhost::Frame>(*token).id);
+        EXPECT_EQ(object.size(), expected.size());
+        EXPECT_THROW(document.next(), std::logic_error);
+        EXPECT_THROW(mifhost::Object(document, "5"), std::logic_error);
+        for (const size_t block : {size_t{1}, size_t{100}, size_t{4097}, size_t{100000}}) {
+            object.seek(0);
+            std::string bytes;
+            std::vector<uint8_t> buffer(block);
+            for (size_t count = block; count == block;) {
+                count = object.read(buffer);
+                bytes.append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count));
+            }
+            EXPECT_TRUE(bytes == expected) << block;
+            EXPECT_EQ(object.tell(), expected.size());
+        }
+        uint8_t byte = 0;
+        for (const size_t position : {size_t{7003}, size_t{3}, size_t{9999}}) {
+            object.seek(position);
+            EXPECT_EQ(object.read({&byte, 1}), 1U);
+            EXPECT_EQ(byte, static_cast<uint8_t>(expected[position]));
+        }
+    }
+    EXPECT_THROW(mifhost::Object(document, "6"), mifhost::IoError);
+    EXPECT_EQ(textOf(document), "b");
+}
+
+TEST(FileStream, OpensFilesAndSaysWhyNot)
+{
+    EXPECT_THROW(mifhost::FileStream("missing.mif"), mifhost::IoError);
+    EXPECT_THROW(mifhost::FileStream("."), mifhost::IoError);
+    const std::string path = testing::TempDir() + "stream.mif";
+    const std::string text =
+        documentOf("<String `" + std::string(3000, 'x') + "'>" + std::string(200000, ' ') + "<String `y'>");
+    std::ofstream(path, std::ios::binary) << text;
+    mifhost::FileStream stream(path);
+    EXPECT_EQ(stream.size(), text.size());
+    mifhost::Document document(stream);
+    EXPECT_EQ(textOf(document).size(), 3001U);
+    for (const uint64_t position :
+         {uint64_t{0}, uint64_t{150000}, uint64_t{149000}, text.size() - 1, text.size() + 5}) {
+        uint8_t byte = 0;
+        stream.seek(position);
+        const size_t delivered = stream.read({&byte, 1});
+        EXPECT_EQ(delivered, position < text.size() ? 1U : 0U);
+        EXPECT_TRUE(delivered == 0 || byte == static_cast<uint8_t>(text[position])) << position;
+    }
+}
+
+TEST(SourceCheck, SeesWhatTheReaderCannotTell)
+{
+    const auto check = [](const std::string &text, size_t piece) {
+        mifhost::MemoryStream stream(bytesOf(text), "name");
+        mifhost::SourceCheck result;
+        for (size_t position = 0; position < text.size(); position += piece) {
+            const std::string part = text.substr(position, piece);
+            result.feed(position, bytesOf(part));
+            result.feed(position / 2, bytesOf(part.substr(0, 1))); // seen before
+        }
+        return result;
+    };
+    const std::string whole = documentOf("<Para <String `a > \\> <'> # <b\n stray <c\n>");
+    const std::string cut = documentOf("<Para") + "<Para <String `a";
+    const std::string lengthy = documentOf("<String `" + std::string(4090, 'x') + "'> <Para <String `y'>>");
+    for (const size_t piece : {size_t{1}, size_t{7}, size_t{100000}}) {
+        EXPECT_EQ(check(whole, piece).droppedStatements(), 0U);
+        EXPECT_EQ(check(cut, piece).openStatements(), 3U);
+        EXPECT_EQ(check(cut, piece).innermostOpen(), cut.size() - 10);
+        EXPECT_EQ(check(lengthy, piece).openStatements(), 0U);
+        EXPECT_EQ(check(lengthy, piece).droppedStatements(), 1U);
+        EXPECT_EQ(check(lengthy, piece).firstDropped(), lengthy.find("<String"));
+    }
+}

@@ -1,0 +1,103 @@
+// The entry table and the life of a context.
+#include <array>
+#include <cstring>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "reader/context.h"
+#include "support/test_host.h"
+
+using namespace miftest;
+
+TEST(Interface, EntryTable)
+{
+    MifReaderInterface table;
+    memset(&table, 0xFF, sizeof(table));
+    mifGetReaderInterface(&table);
+    EXPECT_EQ(table.mifAllocateContext, mifAllocateContext);
+    EXPECT_EQ(table.mifFreeContext, mifFreeContext);
+    EXPECT_EQ(table.mifInitDoc, mifInitDoc);
+    EXPECT_EQ(table.mifFillBuffer, mifFillBuffer);
+    EXPECT_EQ(table.mifCharSet(), 7);
+    for (const void *slot : table.zeroSlots4To8) {
+        EXPECT_EQ(slot, nullptr);
+    }
+    EXPECT_EQ(table.zeroSlot10, nullptr);
+}
+
+TEST(Interface, NullContext)
+{
+    uint32_t written = 0;
+    int32_t percent = 0;
+    EXPECT_EQ(mifInitDoc(nullptr, nullptr, 0, nullptr), 6);
+    EXPECT_EQ(mifFillBuffer(nullptr, nullptr, &written, &percent, 0), 6);
+    EXPECT_EQ(mifFreeContext(nullptr), 6);
+}
+
+TEST(Interface, TheSizeIsMeasuredOnlyWhenItIsNotKnown)
+{
+    for (const int32_t stated : {0, 77}) {
+        TestHost host(std::string(10000, ' '));
+        MifContext *context = host.open();
+        ASSERT_EQ(mifInitDoc(context, nullptr, stated, host.stream()), 0);
+        EXPECT_EQ(context->source.totalSize, stated == 0 ? 10000 : 77);
+        EXPECT_EQ(host.seeks, stated == 0 ? 2U : 0U);
+        EXPECT_EQ(host.stream()->tell(host.stream()), 0);
+        host.close(context);
+    }
+}
+
+TEST(Interface, TheFileOperationsAreHandedOverOnceBeforeTheFirstFill)
+{
+    TestHost host(documentOf("<String `a'>"));
+    MifContext *context = host.open();
+    ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+    ASSERT_EQ(host.fileAccesses.size(), 1U);
+    const MifFileAccess access = host.fileAccesses[0];
+    std::array<intptr_t, 17> words{};
+    static_assert(sizeof(words) == sizeof(access));
+    memcpy(words.data(), &access, sizeof(access));
+    for (size_t word = 0; word < words.size(); ++word) {
+        const bool isFunction = word == 8 || word == 9 || (word >= 11 && word <= 13);
+        const intptr_t constant = word == 0 ? 3 : word == 1 ? 5 : word == 2 ? -1 : 0;
+        EXPECT_EQ(isFunction ? words[word] != 0 : words[word] == constant, true) << word;
+    }
+    Conversion conversion;
+    host.fill(context, conversion);
+    EXPECT_EQ(host.fileAccesses.size(), 1U);
+
+    char name[] = "5";
+    char destination[16];
+    MifFileHandle handle{};
+    handle.name = name;
+    for (MifContext *owner : {static_cast<MifContext *>(nullptr), context}) {
+        handle.context = owner;
+        EXPECT_EQ(access.mifFileOpen(&handle), 0);
+        EXPECT_EQ(access.mifFileRead(&handle, destination, sizeof(destination)), 0);
+        EXPECT_EQ(access.mifFileSeek(&handle, 0, MIF_SEEK_END), 0);
+        EXPECT_EQ(access.mifFileTell(&handle), -1);
+        EXPECT_EQ(access.mifFileClose(&handle), 0);
+    }
+    host.close(context);
+}
+
+// A context that was never filled, and one without a callback, give everything back (the host checks it).
+TEST(Interface, TearDown)
+{
+    TestHost unfilled(documentOf(""));
+    MifContext *context = unfilled.open();
+    ASSERT_EQ(mifInitDoc(context, nullptr, 0, unfilled.stream()), 0);
+    EXPECT_EQ(mifFreeContext(context), 0);
+
+    TestHost unbound("");
+    EXPECT_EQ(mifFreeContext(unbound.open()), 0);
+
+    TestHost silent(documentOf("<Para <ParaLine"));
+    uint32_t stored = 0;
+    context = mifAllocateContext(nullptr, nullptr, &stored, silent.services(), 5);
+    ASSERT_EQ(mifInitDoc(context, nullptr, 0, silent.stream()), 0);
+    Conversion conversion;
+    silent.fill(context, conversion);
+    silent.close(context);
+}

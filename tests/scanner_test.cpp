@@ -1,0 +1,216 @@
+// The statement grammar, seen through the text that comes out, and the fill cycle.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "mifreader/tokens.h"
+#include "reader/context.h"
+#include "reader/replay.h"
+#include "reader/source.h"
+#include "reader/statement_table.h"
+#include "support/test_host.h"
+
+using namespace miftest;
+
+namespace
+{
+
+struct GrammarCase {
+    const char *what;
+    const char *flow;
+    const char *tokens;
+};
+
+const GrammarCase grammarCases[] = {
+    {"an escaped bracket does not end a quoted value", R"(<String `a\>b'>)", "text \"a>b\"\n"},
+    {"a bare bracket ends it; the rest of the line is stray text", "<String `a>b'><String `lost'>\n<String `c'>",
+     "text \"\"\ntext \"c\"\n"},
+    {"trailing blanks are no part of the value", "<String `Body'   >", "text \"Body\"\n"},
+    {"inner statements come before the ones around them", "<Para <String `a'> > <String `b'>",
+     "text \"a\"\nline-break\npara-end\ntext \"b\"\n"},
+    {"empty statements run no handler", "<Para><String><>x\n<String `a'>", "text \"a\"\n"},
+    {"unknown statements are ignored, their content is not", "<Book 7><Book <Para <String `a'>>>",
+     "text \"a\"\nline-break\npara-end\n"},
+    {"names are whole and in their own case", "<string `a'><Strings `b'><String\t`c'>", "text \"c\"\n"},
+    {"a name longer than every name",
+     ("<String"
+      "0123456789012345678901234567890123456789012345678901234567890123456789012345 `a'>"),
+     ""},
+    {"comments between statements, with either line end", "# a <String `x'>\r\n<String `a'> # b > `\n\n<String `b'>",
+     "text \"a\"\ntext \"b\"\n"},
+    {"a number sign in quotes is no comment", "<String `a#b'>", "text \"a#b\"\n"},
+    {"a comment inside a value takes the value away", "<String x # `b'\n><String `c'>", "text \"c\"\n"},
+    {"behind a backquote nothing but the bracket counts", "<String `a' # <b define`'>", "text \"a' # <b define`\"\n"},
+    {"stray text is ignored up to its line's end", "words <String `x'>\n= & <String `y'>\n<String `a'>",
+     "text \"a\"\n"},
+    {"a statement with a nested one has no value", "<String a <String `b'>>", "text \"b\"\n"},
+    {"closing brackets too many", "> > <String `a'> ", "text \"a\"\n"},
+    {"macros are reported and passed over", "define(x, <String `y'>) # c\n<String `a'>\ninclude (f)<String `b'>",
+     "text \"define macro statement encountered\"\ntext \"a\"\n"
+     "text \"include statment encountered\"\ntext \"b\"\n"},
+    {"a macro inside a value takes the value away", "<String x define(y) >\n<String `a include(b)'>",
+     "text \"define macro statement encountered\"\ntext \"a include(b)\"\n"},
+    {"words that begin like macros", "defin (<String `x'>\nincl\n<String `a'>", "text \"a\"\n"},
+    {"a macro without an end", "<String `a'> defines <String `x'>",
+     "text \"a\"\ntext \"define macro statement encountered\"\n"},
+};
+
+} // namespace
+
+TEST(Scanner, Grammar)
+{
+    for (const GrammarCase &test : grammarCases) {
+        EXPECT_EQ(tokensOf(test.flow), test.tokens) << test.what;
+    }
+}
+
+TEST(Scanner, StatementsThatDoNotFitInAStretchAreDropped)
+{
+    const std::string filler(5000, 'x');
+    EXPECT_EQ(tokensOf("<String `a'> <String `" + filler + "'>\n<String `b'>"), "text \"a\"\ntext \"b\"\n");
+    const std::string fits(4000, 'x');
+    EXPECT_EQ(tokensOf("<String `" + fits + "'>"), "text \"" + fits + "\"\n");
+}
+
+// The aim: what a document gives does not depend on where the stretches end.
+TEST(Scanner, EveryPlaceOfAStretchEndGivesTheSame)
+{
+    const std::string flow = "<Para <ParaLine <String `one \\x8e '> # comment\r\n <Char Tab>  <Notes <String `n'>>\n"
+                             "stray\n <String `two'> <Page <PageType RightMasterPage>> <TextRectID 9>>>";
+    const std::string expected = convert(documentOf(flow)).stream;
+    for (size_t bytes = 1; bytes <= documentOf(flow).size(); ++bytes) {
+        EXPECT_EQ(convert(documentOf(flow), {.bytesPerRead = bytes}).stream, expected) << bytes;
+    }
+    for (size_t shift = 0; shift < 400; ++shift) {
+        const std::string comment = "#" + std::string(3700 + shift, 'c') + "\n";
+        EXPECT_EQ(convert(documentOf(comment + flow)).stream, expected) << shift;
+    }
+}
+
+TEST(Scanner, AMacroWordCutByAStretchEndIsStillOne)
+{
+    const std::string document = documentOf("define(x)<String `a'>");
+    const size_t word = document.find("define");
+    for (size_t letters = 1; letters < 6; ++letters) {
+        const std::string comment = "#" + std::string(4096 - word - letters - 2, 'c') + "\n";
+        const std::string lines = tokensOf(comment + "define(x)<String `a'>");
+        EXPECT_EQ(lines, "text \"define macro statement encountered\"\ntext \"a\"\n") << letters;
+    }
+}
+
+TEST(FillCycle, Header)
+{
+    const auto resultOf = [](const std::string &document) { return convert(document).result; };
+    EXPECT_EQ(resultOf(""), 6);
+    EXPECT_EQ(resultOf("<MIFFile"), 6);
+    EXPECT_EQ(resultOf(" <MIFFile 5.00>"), 6);
+    EXPECT_EQ(resultOf("\xEF\xBB\xBF<MIFFile 5.00>"), 6);
+    EXPECT_EQ(resultOf("<miffile 5.00>"), 6);
+    EXPECT_EQ(resultOf("<MIFFile 5.00" + std::string(5000, ' ') + ">"), 6);
+    EXPECT_EQ(resultOf("<MIFFile>"), 0);
+
+    const auto headerOf = [](const std::string &header, double version, const char *comment) {
+        TestHost host(header + "<Units Ucm>\n");
+        MifContext *context = host.open();
+        ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+        Conversion conversion;
+        host.fill(context, conversion);
+        EXPECT_EQ(context->header.version, version) << header;
+        EXPECT_STREQ(context->header.comment, comment) << header;
+        EXPECT_EQ(context->units.documentUnit, 567) << header;
+        host.close(context);
+    };
+    headerOf("<MIFFile 5.00> # Generated file\n", 5.0, "Generated file");
+    headerOf("<MIFFile \t7.5 >\r\n", 7.5, nullptr);
+    headerOf("<MIFFile x> #\n", 0.0, "");
+    headerOf("<MIFFile 5.00>#a\r\n\r\n", 5.0, "a");
+}
+
+TEST(FillCycle, PreambleAndPercent)
+{
+    const std::string preamble(
+        "\x10\x26\x00\x00\x00\x02\xD0\x2F\x00\x00\xE0\x3D\x00\x00\xA0\x05\x00\x00\xA0\x05\x00\x00"
+        "\xA0\x05\x00\x00\xA0\x05\x00\x00\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x12\x06\x00\x00\x00\x00"
+        "\x1B\x09\x00\x00\x00\x07\x00\x00\x00",
+        53);
+    EXPECT_EQ(convert("<MIFFile 5.00>").stream, preamble);
+
+    // After the end further calls write nothing.
+    TestHost host(documentOf("<String `a'>"));
+    MifContext *context = host.open();
+    ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+    Conversion conversion;
+    for (int call = 0; call < 3; ++call) {
+        host.fill(context, conversion);
+        EXPECT_EQ(conversion.result, 0);
+        EXPECT_EQ(conversion.percent, 100);
+        EXPECT_EQ(conversion.stream.size(), 63U);
+    }
+    host.close(context);
+}
+
+TEST(FillCycle, TokensWaitForRoomAndNeverPassTheBuffer)
+{
+    const std::string longest(3000, 'x');
+    const std::string document =
+        documentOf("<Para <String `a\\tb\\tc\\td'><String `" + longest + "'>><Para <String `z'>>");
+    const std::string expected = convert(document).stream;
+    for (const uint32_t bufferSize : {3009U, 3010U, 3066U, 3300U, 4096U, 1U << 16}) {
+        const Conversion conversion = convert(document, {.bufferSize = bufferSize});
+        EXPECT_EQ(conversion.result, 0) << bufferSize;
+        EXPECT_EQ(conversion.stream, expected) << bufferSize;
+    }
+    for (const uint32_t bufferSize : {0U, 1U, 2U, 37U, 38U, 60U, 3008U}) {
+        const Conversion conversion = convert(document, {.bufferSize = bufferSize});
+        EXPECT_EQ(conversion.result, 6) << bufferSize;
+        EXPECT_TRUE(expected.starts_with(conversion.stream)) << bufferSize;
+        EXPECT_TRUE(isWhole(conversion)) << bufferSize;
+    }
+}
+
+TEST(FillCycle, StreamsThatMisbehave)
+{
+    const std::string document = documentOf("<String `a'>" + std::string(9000, ' ') + "<String `b'>");
+    const std::string whole = convert(document).stream;
+    for (size_t read = 1; read <= 3; ++read) {
+        const Conversion conversion = convert(document, {.lyingRead = read});
+        EXPECT_EQ(conversion.result, read == 1 ? 6 : 0);
+        EXPECT_TRUE(whole.starts_with(conversion.stream));
+    }
+    const auto size = static_cast<int32_t>(document.size());
+    for (const int32_t stated : {1, 100, 5000, size - 1, size + 1, 2 * size, INT32_MAX}) {
+        const Conversion conversion = convert(document, {.statedSize = stated});
+        EXPECT_EQ(conversion.result, 0) << stated;
+        EXPECT_EQ(conversion.percent, 100) << stated;
+    }
+    EXPECT_EQ(convert(document, {.statedSize = -1}).result, 6);
+}
+
+TEST(StatementTable, HashAndLookup)
+{
+    EXPECT_EQ(mifHashValue("Para"), 9U);
+    EXPECT_EQ(mifHashValue("String"), 9U);
+    EXPECT_EQ(mifHashValue("MIFFile"), 23U);
+    EXPECT_EQ(mifHashValue("TblCatalog"), 40U);
+    EXPECT_EQ(mifHashValue(""), 0U);
+
+    TestHost host("");
+    MifContext *context = host.open();
+    ASSERT_EQ(mifCreateHashTable(context), 1);
+    for (const MifStatementEntry &row : MifStatementTable) {
+        EXPECT_EQ(mifFindStatement(context, row.name), &row);
+    }
+    EXPECT_EQ(mifGetTagFunction(context, "para"), mifUnsupportedMIFStatement);
+    EXPECT_EQ(mifGetTagFunction(context, "FUnderline"), mifGetTagFunction(context, "FUnderlining"));
+    size_t usedBuckets = 0;
+    for (const MifLookupEntry *bucket : context->dispatch.statementBuckets) {
+        usedBuckets += bucket != nullptr ? 1 : 0;
+    }
+    EXPECT_EQ(usedBuckets, 40U);
+    EXPECT_EQ(context->dispatch.statementBuckets[26], nullptr);
+    mifFreeHashTable(context);
+    for (const MifLookupEntry *bucket : context->dispatch.statementBuckets) {
+        EXPECT_EQ(bucket, nullptr);
+    }
+    host.close(context);
+}
