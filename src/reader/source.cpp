@@ -22,12 +22,6 @@ int32_t streamPosition(const MifContext *context)
     return replay.readingStretch != 0 ? replay.stretchPosition : context->source.bytesRead;
 }
 
-// A stream that delivers more than the document's stated size stays at its end.
-int32_t positionAfter(int32_t position, int32_t count, int32_t totalSize)
-{
-    return static_cast<int32_t>(std::min<int64_t>(int64_t{position} + count, totalSize));
-}
-
 } // namespace
 
 bool mifMoreToRead(const MifContext *context)
@@ -51,19 +45,20 @@ int32_t mifReadSourceFile(MifContext *context)
 {
     MifSourceState &source = context->source;
     MifReplayState &replay = context->replay;
-    if (!mifMoreToRead(context)) {
+    const int32_t left = source.totalSize - streamPosition(context);
+    if (left <= 0) {
         return 0;
     }
     if (source.carryLength == sourceBufferSize) {
         source.carryLength = 0;
     }
     memmove(source.buffer, source.scanPosition, static_cast<size_t>(source.carryLength));
-    const auto room = static_cast<size_t>(sourceBufferSize - source.carryLength);
-    const auto count = static_cast<int32_t>(mifReadStream(context, source.buffer + source.carryLength, room));
+    const auto wanted = static_cast<size_t>(std::min(sourceBufferSize - source.carryLength, left));
+    const auto count = static_cast<int32_t>(mifReadStream(context, source.buffer + source.carryLength, wanted));
     if (replay.readingStretch != 0) {
-        replay.stretchPosition = positionAfter(replay.stretchPosition, count, source.totalSize);
+        replay.stretchPosition += count;
     } else {
-        source.bytesRead = positionAfter(source.bytesRead, count, source.totalSize);
+        source.bytesRead += count;
         source.filePosition = source.bytesRead - source.carryLength - count;
     }
     source.scanPosition = source.buffer;

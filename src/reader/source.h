@@ -52,8 +52,8 @@ int32_t mifStreamPosition(const MifContext *context, const char *byte);
 // Reads up to count bytes from the stream. What a stream should not answer counts as nothing.
 size_t mifReadStream(MifContext *context, char *destination, size_t count);
 
-// Reads the next stretch behind the carried bytes. Returns the number of bytes newly read, 0 at the end of the
-// document. Carried bytes that fill the whole buffer are given up first.
+// Reads the next stretch behind the carried bytes, and nothing behind the document's stated size. Returns the number of
+// bytes newly read, 0 at the end of the document. Carried bytes that fill the whole buffer are given up first.
 int32_t mifReadSourceFile(MifContext *context);
 
 // Reads the document's first stretch, as much of it as the buffer holds in however many reads, so that the header is
