@@ -91,9 +91,14 @@ int mifPgfNumString(MifContext *context)
 
 void mifDropNumString(MifContext *context)
 {
-    if (context->formats.numStringLevel == paragraphLevel(context)) {
+    if (!mifNumStringInterrupted(context)) {
         context->formats.numStringPending = 0;
     }
+}
+
+bool mifNumStringInterrupted(const MifContext *context)
+{
+    return context->formats.numStringPending != 0 && context->formats.numStringLevel != paragraphLevel(context);
 }
 
 int mifPgfFont(MifContext * /*context*/)

@@ -34,6 +34,10 @@ int mifPgfCreateNewPgf(MifContext *context, const char *tag);
 // A paragraph ends: a number text of its own that was not written is dropped.
 void mifDropNumString(MifContext *context);
 
+// Whether a number text waits for a paragraph that a table or a footnote interrupts: what stands in between must not
+// write it.
+bool mifNumStringInterrupted(const MifContext *context);
+
 void mifFreeParagraphCatalogs(MifContext *context);
 
 #endif

@@ -1,5 +1,7 @@
 #include "formats/resolution.h"
 
+#include "formats/paragraphs.h"
+
 int mifPgfSetParagraphStyle(MifContext *context)
 {
     MifFormatState &formats = context->formats;
@@ -18,6 +20,7 @@ int mifPgfSetParagraphStyle(MifContext *context)
         }
         differs = differs || change == MifChange::differs;
     }
-    formats.styleChanged = differs || formats.currentStyle.modes != formats.appliedStyle.modes ? 1 : 0;
+    differs = differs || formats.currentStyle.modes != formats.appliedStyle.modes || mifNumStringInterrupted(context);
+    formats.styleChanged = differs ? 1 : 0;
     return 1;
 }

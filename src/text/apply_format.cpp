@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "formats/paragraphs.h"
 #include "formats/properties.h"
 #include "formats/tab_stops.h"
 #include "mifreader/tokens.h"
@@ -89,11 +90,11 @@ bool applyTabStops(MifContext *context, const MifParagraphStyle &current, MifPar
     return true;
 }
 
-// Once for each number text. The style keeps it as it was written in the file.
+// Once for each number text, in its own paragraph. The style keeps it as it was written in the file.
 void writeNumString(MifContext *context)
 {
     MifFormatState &formats = context->formats;
-    if (formats.numStringPending == 0) {
+    if (formats.numStringPending == 0 || mifNumStringInterrupted(context)) {
         return;
     }
     formats.numStringPending = 0;
@@ -117,7 +118,7 @@ int mifApplyParagraphStyle(MifContext *context)
         return 0;
     }
     writeNumString(context);
-    formats.styleChanged = 0;
+    formats.styleChanged = formats.numStringPending; // one that was interrupted still has to be written
     return 1;
 }
 
