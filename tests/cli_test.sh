@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# cli_test.sh MIFREAD PLUGIN EXAMPLES: exit codes, messages and output files of mifread.
+# cli_test.sh MIFREAD PLUGIN EXAMPLES DOCUMENTS: exit codes, messages and output files of mifread.
 set -uo pipefail
-mifread=$1 plugin=$2 letter=$3/letter.mif
+mifread=$1 plugin=$2 letter=$3/letter.mif documents=$4
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder" || exit 1
@@ -83,5 +83,12 @@ run 3 'cannot write' text "$letter" -o /dev/full
 # The listing.
 run 0 '' tokens "$letter"
 [ "$(head -1 out)" = 'page-setup width=12240 height=15840 left=1440 top=1440 right=1440 bottom=1440' ] || fail 'tokens'
+
+# Embedded objects, byte for byte.
+run 0 '' objects "$documents/objects.mif" -d objects
+diff -r objects "$documents/objects" || fail 'the objects'
+[ "$(wc -l <out)" -eq $(($(ls objects | wc -l) + 1)) ] || fail 'the list of objects'
+run 4 'random' objects random -d none; [ ! -e none ] || fail 'an empty folder'
+run 3 'cannot|exists|directory' objects "$documents/objects.mif" -d "$letter"
 
 [ "$failures" -eq 0 ]

@@ -89,7 +89,8 @@ typedef struct MifFileAccess {
 
     /* Slot 9: reads up to count bytes to destination, which must have room for count bytes and may be overwritten up to
      * there whatever the result. Returns the bytes delivered; 0 at the end, on failure, or when count is 0 or less.
-     * Reads of 64 bytes or more deliver everything; a read of very few bytes can give 0 before the end.
+     * Four bytes of the document's text are looked at for each byte wanted: a read of fewer than 64 bytes, or of data
+     * written in lines of a byte or two, can give 0 before the end.
      */
     int32_t (*mifFileRead)(MifFileHandle *handle, void *destination, int32_t count);
 

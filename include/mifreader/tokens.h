@@ -32,9 +32,9 @@ enum {
     /* 9: u32 value. One character mode goes on or off (MIF_MODE_...). */
     TOKEN_ATTRIBUTE = 4,
 
-    /* 30 + 4n: u32 n; n times i32 column width; u32 30; u32 60; u32 30; u32 60; i32 horizontal offset of the table from
-     * the left indent, negative for a table wider than the space between the indents; u8 0. The columns of the cells
-     * that follow. Or 9: u32 0. The end of the table.
+    /* 30 + 4n: u32 n; n times i32 column width; u32 30; u32 60; u32 30; u32 60; i32 horizontal offset that centres the
+     * table from the left indent, negative for a table wider than the space between the indents; u8 0. The columns of
+     * the cells that follow. Or 9: u32 0. The end of the table.
      */
     TOKEN_TABLE_ROW = 6,
 

@@ -20,9 +20,11 @@ namespace mifhost
 {
 
 struct DocumentOptions {
-    // The buffer for tokens in bytes, 1 to largestBuffer. It must hold the largest token; the default does for every
-    // document but the strangest. Above the largest one the reader's limit, nine tenths of it, wraps.
+    // Above it the reader's own limit, nine tenths of the buffer, wraps.
     static constexpr std::uint32_t largestBuffer = std::numeric_limits<std::uint32_t>::max() / 9;
+
+    // The buffer for tokens in bytes, 1 to largestBuffer. It must hold the largest token; the default does for every
+    // document but the strangest.
     std::uint32_t bufferSize = 64 * 1024;
 
     // The most memory in bytes that the reader may use for the document; 0 means no limit.
