@@ -170,9 +170,11 @@ TEST(Formats, NumberTexts)
         << "dropped";
     EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'><Notes <Para <String `n'>>><String `b'>>"),
               "text \"1\"\ntext \"b\"\n" + para);
-    const std::string table = "<Tbls <Tbl <TblID 1> <Row <Cell <Para <PgfTag `T'> <FSize 9> <String `cell'>>>>>>";
+    // A table or a footnote in the paragraph has its own numbers.
+    const std::string table = "<Tbls <Tbl <TblID 1> <Row <Cell <Para <PgfNumString `c'> <FSize 9> <String `cell'>>>>>>";
     EXPECT_EQ(tokensOf(table + flush + "<Para <PgfNumString `1'> <ParaLine <ATbl 1> <String `a'>>>"),
-              "font number=0 size=9\ntext \"cell\"\n" + para + "cell-end\ntable-end\ntext \"1\"\ntext \"a\"\n" + para);
+              "font number=0 size=9\ntext \"c\"\ntext \"cell\"\n" + para +
+                  "cell-end\ntable-end\ntext \"1\"\ntext \"a\"\n" + para);
     EXPECT_EQ(tokensOf(flush + "<PgfNumString `" + std::string(200, 'n') + "'><String `b'>"),
               "text \"" + std::string(159, 'n') + "\"\ntext \"b\"\n");
 }

@@ -134,6 +134,9 @@ TEST(Objects, TheScanFindsTheFirstFacet)
         {"a further percent line is data", "=A\n&%v\n&x\n&%yz\n=EndInset\n", "A", 3, "x%yz"},
         {"an equals sign ends the data", "=A\n&ab=c>>>\n&d\n=EndInset\n", "A", 2, "ab"},
         {"statements and brackets in data", " <ImportObFixed Yes>\n <X `<\\>'>\n=A\n&<<>\n=EndInset\n", "A", 3, "<<>"},
+        {"the inset ends on the line of the data", "=A\n&ab=EndInset\n", "A", 2, "ab"},
+        {"an odd digit before the end", "=A\n&\\x414=EndInset\n", "A", 1, "A"},
+        {"a marker without a character", "=A\n&%\n&x\n=EndInset\n", "A", 1, "x"},
         {"CR LF", "=A\r\n&ab\r\n&cd\r\n=EndInset\r\n", "A", 4, "abcd"},
     };
     for (const Case &test : cases) {
@@ -161,6 +164,12 @@ TEST(Objects, NothingBehindAnObjectIsLost)
     EXPECT_EQ(tokens(frame("5", " <X `a=b'>\n <Y `c&d'> <Z 1>\n" + hexFacet)).substr(0, 9), "text \"a\"\n");
     EXPECT_EQ(tokens(frame("4", "") + "= stray <\n& stray <\n" + frame("5", hexFacet)), anchored) << "between frames";
     EXPECT_EQ(tokens("<Frame <ID 5> <ImportObject <X 1>>><Frame <ID 6>>"), alone) << "all in one line";
+    EXPECT_EQ(tokens("<Frame <ID 5> <ImportObject <Hint a&%> <X y>>>"), alone) << "a marker in a statement";
+    EXPECT_EQ(
+        bodyListing(convert("<MIFFile 5><Page <PageType BodyPage> <TextRect <ID 9>>>\n<AFrames <Frame <ID 5> "
+                            "<ImportObject\n=A\n&ab=EndInset>>> <TextRectID 9><String `a'><AFrame 5><String `b'>")),
+        "text \"a\"\nframe id=\"5\" width=0 height=0 kind=2\ntext \"b\"\n")
+        << "no line end behind the data";
     EXPECT_EQ(tokens("<ImportObject\n" + hexFacet + ">"), alone) << "no frame at all";
     EXPECT_EQ(tokens("<Page <Frame <ImportObject\n" + hexFacet + ">>>"), alone) << "on a page";
 
@@ -243,7 +252,13 @@ TEST(Objects, TheFileOperations)
     EXPECT_EQ(read(-1), "");
     EXPECT_EQ(read(10), hexBytes.substr(6));
     EXPECT_EQ(access.mifFileClose(&file), 1);
-    EXPECT_EQ(access.mifFileClose(&file), 0);
+    EXPECT_EQ(access.mifFileTell(&file), 0);
+
+    // A read too small for the text before its byte gives nothing and spoils nothing.
+    ASSERT_EQ(access.mifFileOpen(&file), 1);
+    EXPECT_EQ(read(1), "");
+    EXPECT_EQ(read(16), hexBytes);
+    EXPECT_EQ(access.mifFileClose(&file), 1);
 
     EXPECT_EQ(document.read("-7", 4096), "literal data");
     EXPECT_EQ(document.read("8", 4096), "");

@@ -186,6 +186,40 @@ TEST(FillCycle, StreamsThatMisbehave)
     EXPECT_EQ(convert(document, {.statedSize = -1}).result, 6);
 }
 
+TEST(FillCycle, AFailureIsFinal)
+{
+    const std::string document = documentOf("<Para <String `a'>>");
+    const size_t allocations = convert(document).allocations;
+    TestHost host(document, {.failingAllocation = allocations - 1});
+    MifContext *context = host.open();
+    ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+    for (int call = 0; call < 3; ++call) {
+        Conversion conversion;
+        host.fill(context, conversion);
+        EXPECT_EQ(conversion.result, 6);
+    }
+    host.close(context);
+}
+
+TEST(Replay, ATableWithoutAnEndOrWithAnotherInside)
+{
+    const std::string flow = "<ATbl 1> <Para <String `a'>> <ATbl 1> <Para <String `b'>>";
+    const std::string a = "text \"a\"\nline-break\npara-end\n";
+    const std::string b = "text \"b\"\nline-break\npara-end\n";
+    EXPECT_EQ(tokensOf("<Tbls <Tbl <TblID 1> <X <Tbl <Y 1>>>>>" + flow), "table-end\n" + a + "table-end\n" + b);
+    EXPECT_EQ(tokensOf("<Tbl <TblID 1> <X <Y 1> <ATbl 1> <Para <String `a'>>"), a) << "the replay reads to the end";
+
+    std::string nested = "<Tbls <Tbl <TblID 1>\n";
+    for (int depth = 0; depth < 500; ++depth) {
+        nested += "<A ";
+    }
+    nested += "<Tbl <X 1>> " + std::string(500, '>') + " >>";
+    for (int anchor = 0; anchor < 500; ++anchor) {
+        nested += "<ATbl 1>\n";
+    }
+    EXPECT_LT(convert(documentOf(nested)).peakBytes, 200'000U) << "a replay leaves nothing open";
+}
+
 TEST(StatementTable, HashAndLookup)
 {
     EXPECT_EQ(mifHashValue("Para"), 9U);

@@ -89,8 +89,10 @@ enum {
 /* The host's notification callback.
  *   cookie  the value that the host gave to mifAllocateContext; may be null
  *   code    one of the codes above
- *   data    the record that the code calls for, never null; valid only during the call, so the host copies what it
- * keeps Returns what the code asks for.
+ *   data    the record that the code calls for, never null and valid only during the call: the host copies what it
+ * needs
+ *
+ * Returns what the code asks for.
  */
 typedef uint32_t (*HostNotify)(void *cookie, uint32_t code, void *data);
 

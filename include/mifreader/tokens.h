@@ -1,14 +1,13 @@
 /* The binary token stream that mifFillBuffer writes: codes and payloads. The numbered conventions at the head of host.h
  * hold here too, and these:
- *  1. A token is one code byte, then the length of the whole token (code byte and length included) as an unsigned
- * 32-bit number, then length - 5 bytes of payload.
+ *  1. A token is one code byte, the length of the whole token (code byte and length included) as an unsigned 32-bit
+ *     number, and length - 5 bytes of payload.
  *  2. All numbers are little-endian and unaligned: u8, u32, and i32 for two's complement. Measurements are twips.
  *  3. The stream has no header but its first three tokens (TOKEN_PAGE_SETUP, TOKEN_LINE_SPACING, TOKEN_CHARSET) and no
  *     end mark: it ends where mifFillBuffer reports 100 percent. A token is never split between two calls.
  *  4. Formats are written before the text that they apply to, and only where they differ from what was last written.
  *     Everything starts at 0: indents, alignment, font, size, modes, colour (black), no tab stops.
- *  5. Only the codes below are written. A reader of the stream can pass over a code that it does not know by its
- * length.
+ *  5. Only the codes below are written. A reader of the stream can pass over an unknown code by its length.
  */
 #ifndef MIFREADER_TOKENS_H
 #define MIFREADER_TOKENS_H

@@ -17,13 +17,6 @@ char *copyStatementName(MifContext *context)
     return mifCopyBytes(context, scanner.nameStart, static_cast<size_t>(scanner.nameEnd - scanner.nameStart));
 }
 
-void releaseStatement(MifContext *context, MifStoredStatement *statement)
-{
-    mifRelease(context, statement->name);
-    mifRelease(context, statement->value);
-    mifRelease(context, statement);
-}
-
 // Null when memory is exhausted.
 MifStoredStatement *makeStatement(MifContext *context, const char *value)
 {
@@ -34,7 +27,7 @@ MifStoredStatement *makeStatement(MifContext *context, const char *value)
     statement->name = copyStatementName(context);
     statement->value = mifCopyText(context, value);
     if (statement->name == nullptr || statement->value == nullptr) {
-        releaseStatement(context, statement);
+        mifFreePgfSubStatement(context, statement);
         return nullptr;
     }
     statement->property = mifFindProperty(statement->name);
@@ -80,13 +73,25 @@ int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog)
     return 1;
 }
 
+void mifFreePgfSubStatement(MifContext *context, MifStoredStatement *statement)
+{
+    mifRelease(context, statement->name);
+    mifRelease(context, statement->value);
+    mifRelease(context, statement);
+}
+
+void mifFreeParagraph(MifContext *context, MifFormatEntry *entry)
+{
+    while (MifStoredStatement *statement = entry->statements.takeFirst()) {
+        mifFreePgfSubStatement(context, statement);
+    }
+    mifRelease(context, entry);
+}
+
 void mifFreeFormats(MifContext *context, MifFormatCatalog &catalog)
 {
     while (MifFormatEntry *entry = catalog.entries.takeFirst()) {
-        while (MifStoredStatement *statement = entry->statements.takeFirst()) {
-            releaseStatement(context, statement);
-        }
-        mifRelease(context, entry);
+        mifFreeParagraph(context, entry);
     }
     catalog.tags.clear();
     catalog.defining = nullptr;

@@ -15,6 +15,9 @@ MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, 
 // exhausted.
 int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog);
 
+// Release a stored statement, an entry with its statements, and all entries of a catalog.
+void mifFreePgfSubStatement(MifContext *context, MifStoredStatement *statement);
+void mifFreeParagraph(MifContext *context, MifFormatEntry *entry);
 void mifFreeFormats(MifContext *context, MifFormatCatalog &catalog);
 
 #endif

@@ -81,24 +81,29 @@ int mifPgfNumString(MifContext *context)
     const size_t length = std::min(strlen(value), sizeof(numString) - 1);
     memcpy(numString, value, length);
     numString[length] = '\0';
-    formats.numStringPending = length != 0 ? 1 : 0;
-    formats.numStringLevel = paragraphLevel(context);
+    MifPendingNumber &number = mifOwnNumber(context);
+    number.pending = length != 0 ? 1 : 0;
+    memcpy(number.text, numString, sizeof(number.text));
     if (length != 0) {
         formats.styleChanged = 1; // that of appliedStyle is always empty
     }
     return 1;
 }
 
-void mifDropNumString(MifContext *context)
+MifPendingNumber &mifOwnNumber(MifContext *context)
 {
-    if (!mifNumStringInterrupted(context)) {
-        context->formats.numStringPending = 0;
-    }
+    return context->formats.pendingNumbers[paragraphLevel(context)];
 }
 
-bool mifNumStringInterrupted(const MifContext *context)
+bool mifInterruptedNumber(const MifContext *context)
 {
-    return context->formats.numStringPending != 0 && context->formats.numStringLevel != paragraphLevel(context);
+    const uint32_t own = paragraphLevel(context);
+    for (uint32_t level = 0; level < paragraphLevels; ++level) {
+        if (level != own && context->formats.pendingNumbers[level].pending != 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 int mifPgfFont(MifContext * /*context*/)

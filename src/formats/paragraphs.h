@@ -31,12 +31,12 @@ int mifPgfStoreInformation(MifContext *context);
 // Makes a catalog entry of that tag, whose definition is to follow.
 int mifPgfCreateNewPgf(MifContext *context, const char *tag);
 
-// A paragraph ends: a number text of its own that was not written is dropped.
-void mifDropNumString(MifContext *context);
+// The number text of the paragraph that is being read. The one of a paragraph that a table or a footnote interrupts is
+// another, and stays.
+MifPendingNumber &mifOwnNumber(MifContext *context);
 
-// Whether a number text waits for a paragraph that a table or a footnote interrupts: what stands in between must not
-// write it.
-bool mifNumStringInterrupted(const MifContext *context);
+// Whether the number text of an interrupted paragraph waits: the format is not done with before that is written.
+bool mifInterruptedNumber(const MifContext *context);
 
 void mifFreeParagraphCatalogs(MifContext *context);
 

@@ -41,6 +41,15 @@ struct MifFormatCatalog {
     uint32_t pending;         // an entry has been made and its definition is being stored
 };
 
+// A number text that waits for the first text of its paragraph, as it was written in the file.
+struct MifPendingNumber {
+    uint32_t pending;
+    char text[sizeof(MifParagraphStyle::numString)];
+};
+
+// Where a paragraph stands: in the text flow, in a footnote, in a replayed table, in a footnote there.
+inline constexpr uint32_t paragraphLevels = 4;
+
 // The scanner raises the inside flags.
 struct MifFormatState {
     MifFormatCatalog pgfCatalog;
@@ -50,9 +59,8 @@ struct MifFormatState {
     uint32_t inPgf;
     uint32_t inFontCatalog;
     uint32_t inFont;
-    uint32_t styleChanged;          // currentStyle may differ from appliedStyle
-    uint32_t numStringPending;      // the number text has not been written yet
-    uint32_t numStringLevel;        // where its paragraph stands (paragraphs.cpp)
+    uint32_t styleChanged; // currentStyle may differ from appliedStyle, or a number text waits
+    MifPendingNumber pendingNumbers[paragraphLevels];
     MifParagraphStyle currentStyle; // what the document asks for
     MifParagraphStyle appliedStyle; // what the output was last told; written by text/apply_format alone
 };

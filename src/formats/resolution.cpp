@@ -20,7 +20,7 @@ int mifPgfSetParagraphStyle(MifContext *context)
         }
         differs = differs || change == MifChange::differs;
     }
-    differs = differs || formats.currentStyle.modes != formats.appliedStyle.modes || mifNumStringInterrupted(context);
+    differs = differs || formats.currentStyle.modes != formats.appliedStyle.modes || mifInterruptedNumber(context);
     formats.styleChanged = differs ? 1 : 0;
     return 1;
 }

@@ -105,7 +105,7 @@ void ObjectScan::ordinaryByte()
         beginLine();
         return;
     }
-    isStatementLine_ = isStatementLine_ || byte != ' ';
+    isStatementLine_ = isStatementLine_ || !mifIsWhiteSpace(byte);
     if (byte == '<') {
         ++frames_.insetDepth;
     } else if (byte == '>') {
@@ -201,7 +201,7 @@ bool ObjectScan::data()
     if (object.skipData != 0) {
         return restOfLine();
     }
-    if (end_ - position_ < 3) {
+    if (end_ - position_ < 3) { // `&`, `%` and its character, or the end of the line
         return false;
     }
     ++position_;
@@ -214,14 +214,15 @@ bool ObjectScan::data()
     return dataLine();
 }
 
-// The `&%` line of a facet: one character; what follows on the line is ordinary text.
+// The `&%` line of a facet: one character; what follows on the line is ordinary text. In a statement's value the
+// character is looked at again: it may be the bracket that closes the statement.
 bool ObjectScan::marker()
 {
     frame_.object.percentChar = static_cast<uint8_t>(position_[1]);
     frame_.object.percentSeen = 1;
-    position_ += 2;
-    if (position_ < end_ && mifNewLine(*position_)) {
-        passLineEnd();
+    ++position_;
+    if (!isStatementLine_ && !mifNewLine(*position_)) {
+        ++position_;
     }
     return true;
 }
@@ -230,9 +231,6 @@ bool ObjectScan::dataLine()
 {
     MifObjectData &object = frame_.object;
     char *limit = lineEnd();
-    if (limit == end_ && !isStatementLine_) {
-        return false;
-    }
     if (object.dataStart == 0) {
         object.dataStart = mifStreamPosition(context_, position_);
         object.kind = embeddedKind;
@@ -243,7 +241,7 @@ bool ObjectScan::dataLine()
         object.dataLength += mifDecodeData(read, end_, frames_.hexMode, byte) ? 1 : 0;
     }
     char *dataEnd = position_ + (read - position_);
-    char *close = closingBracket(std::min(dataEnd, limit));
+    char *close = closingBracket(dataEnd);
     position_ = close;
     if (frames_.insetDepth == 0) {
         ++position_;

@@ -16,12 +16,10 @@ namespace
 // Two digits a byte, with room for the `&` and the line end of every line.
 constexpr int64_t textPerByte = 4;
 
-// A piece of the document's text, and how much of it a read or a skip has taken up.
+// A piece of the document's text.
 struct Chunk {
-    char *text;
-    const char *position;
-    const char *end;
-    bool atLineStart;
+    char *text; // null when memory is exhausted
+    size_t length;
 };
 
 // The file that is open in the handle's document, or null.
@@ -39,59 +37,66 @@ void seekStream(MifContext *context, int32_t position)
     stream->seek(stream, position, 0);
 }
 
-void rewind(MifObjectFile &file)
+// Puts the stream back to where the fill cycle will read next.
+void returnStream(MifContext *context)
 {
-    file.readCursor = file.frame->object.dataStart;
-    file.rawPosition = file.readCursor;
-    file.position = 0;
-    // The data start behind the first line's `&`.
-    file.readAtLineStart = 0;
-    file.rawAtLineStart = 0;
-    file.dataEnded = 0;
-    file.hexMode = 0;
+    seekStream(context, mifStreamPosition(context, context->source.bufferEnd));
 }
 
-// The text from the read cursor on that holds `count` bytes. The caller releases the text, which is null when memory is
-// exhausted.
-Chunk readChunk(MifContext *context, const MifObjectFile &file, int32_t count)
+// The data start behind the first line's `&`.
+void rewind(MifObjectFile &file)
 {
-    const int64_t rest = std::max(context->source.totalSize - file.readCursor, 1);
+    file.readCursor = {file.frame->object.dataStart, 0, 0, 0};
+    file.rawPosition = file.readCursor;
+    file.position = 0;
+}
+
+void moveOn(MifObjectFile &file, int32_t count)
+{
+    file.position = mifSaturate(int64_t{file.position} + count);
+}
+
+// The text from the cursor on that holds `count` bytes. The caller releases it.
+Chunk readChunk(MifContext *context, int32_t position, int32_t count)
+{
+    const int64_t rest = std::max(context->source.totalSize - position, 1);
     const auto size = static_cast<size_t>(std::min(count * textPerByte, rest));
     HostServices *services = context->host.services;
     auto *text = static_cast<char *>(services->allocateZeroed(&services->memoryHandleArea, 1, size));
-    if (text == nullptr) {
-        return {nullptr, nullptr, nullptr, false};
-    }
-    seekStream(context, file.readCursor);
     size_t length = 0;
-    while (length < size) {
-        const size_t delivered = mifReadStream(context, text + length, size - length);
-        if (delivered == 0) {
-            break;
+    if (text != nullptr) {
+        seekStream(context, position);
+        while (length < size) {
+            const size_t delivered = mifReadStream(context, text + length, size - length);
+            if (delivered == 0) {
+                break;
+            }
+            length += delivered;
         }
-        length += delivered;
     }
-    return {text, text, text + length, file.readAtLineStart != 0};
+    return {text, length};
 }
 
-// Decodes up to count bytes into destination, or only counts them when that is null. Returns their number.
-int32_t decodeChunk(MifObjectFile &file, Chunk &chunk, uint8_t *destination, int32_t count)
+// Decodes up to count bytes into destination, or only counts them when that is null, moving the cursor along. Returns
+// their number.
+int32_t decodeChunk(const Chunk &chunk, MifDataCursor &cursor, uint8_t *destination, int32_t count)
 {
+    const char *position = chunk.text;
+    const char *end = chunk.text + chunk.length;
     int32_t produced = 0;
-    while (chunk.position < chunk.end && produced < count && file.dataEnded == 0) {
-        if (*chunk.position == '=') {
-            file.dataEnded = 1;
-            file.hexMode = 0;
-            ++chunk.position;
+    while (position < end && produced < count && cursor.ended == 0) {
+        if (*position == '=') {
+            cursor.ended = 1;
+            ++position;
             break;
         }
-        if (*chunk.position == '&' && chunk.atLineStart) {
-            ++chunk.position;
+        if (*position == '&' && cursor.atLineStart != 0) {
+            ++position;
         }
-        chunk.atLineStart = false;
+        cursor.atLineStart = 0;
         uint8_t byte = 0;
-        while (produced < count && mifInDataLine(chunk.position, chunk.end)) {
-            if (!mifDecodeData(chunk.position, chunk.end, file.hexMode, byte)) {
+        while (produced < count && mifInDataLine(position, end)) {
+            if (!mifDecodeData(position, end, cursor.hexMode, byte)) {
                 continue;
             }
             if (destination != nullptr) {
@@ -99,44 +104,41 @@ int32_t decodeChunk(MifObjectFile &file, Chunk &chunk, uint8_t *destination, int
             }
             ++produced;
         }
-        while (produced < count && chunk.position < chunk.end && mifNewLine(*chunk.position)) {
-            ++chunk.position;
-            chunk.atLineStart = true;
+        while (produced < count && position < end && mifNewLine(*position)) {
+            ++position;
+            cursor.atLineStart = 1;
         }
     }
+    cursor.position += static_cast<int32_t>(position - chunk.text);
     return produced;
 }
 
 // Decodes from the read cursor. Text that ends before the wanted bytes and before the facet gives 0.
-int32_t decode(MifContext *context, MifObjectFile &file, uint8_t *destination, int32_t count)
+int32_t decode(MifContext *context, uint8_t *destination, int32_t count)
 {
+    MifObjectFile &file = context->frames.file;
     if (count <= 0 || file.frame->object.dataStart == 0) {
         return 0;
     }
-    Chunk chunk = readChunk(context, file, count);
+    const int32_t start = file.readCursor.position;
+    const Chunk chunk = readChunk(context, start, count);
     if (chunk.text == nullptr) {
         return 0;
     }
-    int32_t produced = decodeChunk(file, chunk, destination, count);
-    const auto consumed = static_cast<int32_t>(chunk.position - chunk.text);
-    file.rawPosition = file.readCursor + consumed;
-    file.rawAtLineStart = chunk.atLineStart ? 1 : 0;
+    if (destination != nullptr) {
+        memset(destination, 0, static_cast<size_t>(count));
+    }
+    file.rawPosition = file.readCursor;
+    int32_t produced = decodeChunk(chunk, file.rawPosition, destination, count);
     if (produced == count) {
         file.readCursor = file.rawPosition;
-        file.readAtLineStart = file.rawAtLineStart;
-    } else if (chunk.position == chunk.end) {
+    } else if (static_cast<size_t>(file.rawPosition.position - start) == chunk.length) {
         produced = 0;
     }
+    file.readCursor.ended = file.rawPosition.ended;
     mifRelease(context, chunk.text);
-    seekStream(context, file.streamReturnPosition);
+    returnStream(context);
     return produced;
-}
-
-// Skips count bytes of the open object. Returns count, or 0 when there are not so many.
-int32_t mifFileSeekSet(MifFileHandle *handle, int32_t count)
-{
-    const int32_t skipped = decode(handle->context, handle->context->frames.file, nullptr, count);
-    return skipped == count ? count : 0;
 }
 
 } // namespace
@@ -146,14 +148,12 @@ int32_t mifFileOpen(MifFileHandle *handle)
     if (handle == nullptr || handle->context == nullptr) {
         return 0;
     }
-    MifContext *context = handle->context;
-    const MifFrameRecord *frame = mifFindFrame(context, mifParseInteger(handle->name));
+    const MifFrameRecord *frame = mifFindFrame(handle->context, mifParseInteger(handle->name));
     if (frame == nullptr) {
         return 0;
     }
-    MifObjectFile &file = context->frames.file;
+    MifObjectFile &file = handle->context->frames.file;
     file.frame = frame;
-    file.streamReturnPosition = mifStreamPosition(context, context->source.bufferEnd);
     rewind(file);
     return 1;
 }
@@ -161,13 +161,18 @@ int32_t mifFileOpen(MifFileHandle *handle)
 int32_t mifFileRead(MifFileHandle *handle, void *destination, int32_t count)
 {
     MifObjectFile *file = openFile(handle);
-    if (file == nullptr || count <= 0) {
+    if (file == nullptr) {
         return 0;
     }
-    memset(destination, 0, static_cast<size_t>(count));
-    const int32_t delivered = decode(handle->context, *file, static_cast<uint8_t *>(destination), count);
-    file->position += delivered;
+    const int32_t delivered = decode(handle->context, static_cast<uint8_t *>(destination), count);
+    moveOn(*file, delivered);
     return delivered;
+}
+
+int32_t mifFileSeekSet(MifFileHandle *handle, int32_t count)
+{
+    const int32_t skipped = decode(handle->context, nullptr, count);
+    return skipped == count ? count : 0;
 }
 
 int32_t mifFileSeek(MifFileHandle *handle, int32_t offset, int32_t origin)
@@ -179,21 +184,21 @@ int32_t mifFileSeek(MifFileHandle *handle, int32_t offset, int32_t origin)
     switch (origin) {
     case MIF_SEEK_START:
         rewind(*file);
-        if (file->readCursor != 0) {
-            seekStream(handle->context, file->readCursor);
+        if (file->frame->object.dataStart != 0) {
+            seekStream(handle->context, file->frame->object.dataStart);
         }
-        file->position += mifFileSeekSet(handle, offset);
         break;
     case MIF_SEEK_CURRENT:
         file->readCursor = file->rawPosition;
-        file->readAtLineStart = file->rawAtLineStart;
-        file->position += mifFileSeekSet(handle, offset);
         break;
     case MIF_SEEK_END:
         file->position = file->frame->object.dataLength;
-        break;
+        return 1;
     default:
-        break;
+        return 1;
+    }
+    if (offset > 0) {
+        moveOn(*file, mifFileSeekSet(handle, offset));
     }
     return 1;
 }
@@ -211,7 +216,7 @@ int32_t mifFileClose(MifFileHandle *handle)
         return 0;
     }
     seekStream(handle->context, 0);
-    seekStream(handle->context, file->streamReturnPosition);
-    file->frame = nullptr;
+    returnStream(handle->context);
+    rewind(*file);
     return 1;
 }

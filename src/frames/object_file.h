@@ -13,4 +13,7 @@ int32_t mifFileSeek(MifFileHandle *handle, int32_t offset, int32_t origin);
 int32_t mifFileTell(MifFileHandle *handle);
 int32_t mifFileClose(MifFileHandle *handle);
 
+// Skips count bytes of the open object; 0 or less skips nothing. Returns count, or 0 when there are not so many.
+int32_t mifFileSeekSet(MifFileHandle *handle, int32_t count);
+
 #endif

@@ -33,17 +33,20 @@ struct MifFrameRecord : MifIndexNode {
     MifFrameRecord *next;
 };
 
-// An object that the host has opened. Its state is apart from the frame's, so that reading it disturbs no scan.
+// A place in an object's data lines.
+struct MifDataCursor {
+    int32_t position;     // in the stream
+    uint32_t atLineStart; // a line begins there
+    uint32_t hexMode;     // of the data from there on
+    uint32_t ended;       // the `=` behind the facet's data was met
+};
+
+// The object that the host has opened last. Its state is apart from the frame's, so that reading it disturbs no scan.
 struct MifObjectFile {
-    const MifFrameRecord *frame;  // null when nothing is open
-    int32_t streamReturnPosition; // where the stream belongs when the host is done
-    int32_t readCursor;           // stream position where the next read decodes
-    int32_t rawPosition;          // where the last read or skip came to, also when it stopped short
-    int32_t position;             // bytes delivered
-    uint32_t readAtLineStart;     // whether a line begins at readCursor
-    uint32_t rawAtLineStart;      // and at rawPosition
-    uint32_t dataEnded;           // the `=` behind the facet's data was met
-    uint32_t hexMode;
+    const MifFrameRecord *frame; // null when none has been opened
+    MifDataCursor readCursor;    // where the next read decodes
+    MifDataCursor rawPosition;   // where the last read or skip came to, also when it stopped short
+    int32_t position;            // bytes delivered
 };
 
 // Owned by frames.cpp and imported_objects.cpp; the scanner raises the inside flags.

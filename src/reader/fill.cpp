@@ -3,7 +3,6 @@
 
 #include "reader/context.h"
 #include "reader/header.h"
-#include "reader/replay.h"
 #include "reader/scanner.h"
 #include "reader/source.h"
 #include "reader/tokens.h"
@@ -39,14 +38,15 @@ bool prepareStretch(MifContext *context)
         context->output.outputFull = 0;
         return true;
     }
-    if (mifReadSourceFile(context) == 0) {
-        if (context->replay.readingStretch == 0) {
-            return false;
-        }
-        mifRestoreCurrentBuffer(context); // a table without an end
-        return mifReadSourceFile(context) != 0;
+    if (mifReadSourceFile(context) != 0) {
+        return true;
     }
-    return true;
+    if (context->replay.readingStretch != 0) {
+        // A table without an end: its replay has read the rest of the document.
+        context->replay.readingStretch = 0;
+        context->source.bytesRead = context->source.totalSize;
+    }
+    return false;
 }
 
 // Fills the output. Returns the call's result and stores the percent.
@@ -59,7 +59,10 @@ int32_t fillOutput(MifContext *context, int32_t *percent)
         }
         const int scanned = mifProcessBuffer(context);
         *percent = percentDone(context, false);
-        if (scanned == 0 || context->output.failed != 0) {
+        if (scanned == 0) {
+            context->output.failed = 1; // what is missing must not be passed over by a further call
+        }
+        if (context->output.failed != 0) {
             return MIF_FAILURE;
         }
         if (context->output.outputFull != 0 || *percent >= 100) {

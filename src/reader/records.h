@@ -43,7 +43,7 @@ struct MifOutputState {
     uint32_t bufferSize;
     uint32_t outputLimit; // bytes after which no step is begun: nine tenths of the buffer
     uint32_t outputFull;  // the last fill call stopped at the limit, in the middle of a stretch
-    uint32_t failed;      // a token was lost: larger than the whole buffer, or no memory to let it wait
+    uint32_t failed;      // the stream has a gap: memory was exhausted, or a token is larger than the buffer
     MifList<MifQueuedToken> queue;
 };
 
@@ -87,9 +87,10 @@ struct MifScannerState {
 // Leaving the flow for a table and coming back. Idle, suspendPending, readingStretch, both readingStretch and
 // restorePending, idle again.
 struct MifReplayState {
-    int32_t startPosition;   // where the table to read begins
-    int32_t stretchPosition; // while reading it: the stream's position
-    int32_t savedPosition;   // where the flow goes on
+    int32_t startPosition;              // where the table to read begins
+    int32_t stretchPosition;            // while reading it: the stream's position
+    int32_t savedPosition;              // where the flow goes on
+    const MifStatement *savedStatement; // the innermost open statement of the flow
     uint32_t suspendPending;
     uint32_t restorePending;
     uint32_t readingStretch;

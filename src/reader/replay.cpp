@@ -1,5 +1,7 @@
 #include "reader/replay.h"
 
+#include "reader/statement.h"
+
 namespace
 {
 
@@ -19,6 +21,7 @@ int mifSuspendCurrentBuffer(MifContext *context)
     MifSourceState &source = context->source;
     MifReplayState &replay = context->replay;
     replay.savedPosition = source.filePosition;
+    replay.savedStatement = context->scanner.statementStack;
     source.bytesRead -= static_cast<int32_t>(source.bufferEnd - source.scanPosition);
     moveStream(context, replay.startPosition);
     replay.stretchPosition = replay.startPosition;
@@ -32,6 +35,10 @@ int mifSuspendCurrentBuffer(MifContext *context)
 int mifRestoreCurrentBuffer(MifContext *context)
 {
     MifReplayState &replay = context->replay;
+    // A table in the table has ended the replay early when statements of the outer one are still open.
+    while (context->scanner.statementStack != nullptr && context->scanner.statementStack != replay.savedStatement) {
+        mifProcessEndTag(context, 0);
+    }
     moveStream(context, replay.savedPosition);
     replay.readingStretch = 0;
     replay.restorePending = 0;

@@ -202,17 +202,20 @@ void Scan::writeRowLayout()
 // lines go on.
 Step Scan::importObject(char *from)
 {
+    MifFrameState &frames = context_->frames;
     char *start = source_.scanPosition;
     const bool atStartTag = from != start;
+    const int32_t depthBefore = frames.insetDepth;
     if (atStartTag) {
-        context_->frames.insetDepth = 1;
+        frames.insetDepth = 1;
     }
     source_.scanPosition = from;
     char *end = mifProcessImportObject(context_);
     source_.scanPosition = start;
     if (atStartTag && end == from && source_.carryLength != 0) {
         // The object's first line is cut: without its `<` it would be stray text.
-        context_->frames.scanCut = 0;
+        frames.scanCut = 0;
+        frames.insetDepth = depthBefore;
         return undoStartTag();
     }
     advance(end);

@@ -51,11 +51,6 @@ int32_t twipsPerUnit(std::string_view text)
     return findUnit(suffixes, text.substr(suffix));
 }
 
-bool isDigit(char byte)
-{
-    return byte >= '0' && byte <= '9';
-}
-
 bool isLetter(char byte)
 {
     const char lower = static_cast<char>(byte | 0x20);
@@ -71,21 +66,23 @@ const char *skipToNumber(const char *text)
     return text[0] == '+' && text[1] != '-' ? text + 1 : text;
 }
 
-// Whether a decimal number that no double holds is too large, not too small: the power of ten of its first digit,
-// without the exponent's, is counted on the digits.
-bool isHuge(const char *text, const char *end)
+// Whether a number that no double holds is too large, not too small: by the power of its first digit that is not 0,
+// counted in digits and added to the exponent's. A hexadecimal digit counts as four of the exponent's bits.
+bool isHuge(const char *text, const char *end, bool hexadecimal)
 {
+    const char *exponents = hexadecimal ? "pP" : "eE";
     int64_t power = 0;
     bool significant = false;
     bool fraction = false;
-    for (; text != end && *text != 'e' && *text != 'E'; ++text) {
+    for (; text != end && *text != exponents[0] && *text != exponents[1]; ++text) {
         if (*text == '.') {
             fraction = true;
-        } else if (isDigit(*text)) {
-            significant = significant || *text != '0';
-            power += fraction ? (significant ? 0 : -1) : (significant ? 1 : 0);
+            continue;
         }
+        significant = significant || *text != '0';
+        power += fraction ? (significant ? 0 : -1) : (significant ? 1 : 0);
     }
+    power *= hexadecimal ? 4 : 1;
     return power + (text != end ? mifParseInteger(text + 1) : 0) > 0;
 }
 
@@ -162,7 +159,7 @@ double mifParseNumber(const char *text)
     double value = 0;
     const auto [end, error] = std::from_chars(text, text + strlen(text), value, format);
     if (error == std::errc::result_out_of_range) {
-        value = isHuge(text, end) ? std::numeric_limits<double>::infinity() : 0;
+        value = isHuge(text, end, format == std::chars_format::hex) ? std::numeric_limits<double>::infinity() : 0;
     }
     return negative ? -value : value;
 }

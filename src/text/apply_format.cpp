@@ -90,18 +90,16 @@ bool applyTabStops(MifContext *context, const MifParagraphStyle &current, MifPar
     return true;
 }
 
-// Once for each number text, in its own paragraph. The style keeps it as it was written in the file.
+// Once for each number text, in its own paragraph.
 void writeNumString(MifContext *context)
 {
-    MifFormatState &formats = context->formats;
-    if (formats.numStringPending == 0 || mifNumStringInterrupted(context)) {
+    MifPendingNumber &number = mifOwnNumber(context);
+    if (number.pending == 0) {
         return;
     }
-    formats.numStringPending = 0;
-    char text[sizeof(formats.currentStyle.numString)];
-    memcpy(text, formats.currentStyle.numString, sizeof(text));
-    mifConvertString(context, text);
-    mifWriteText(context, text, strlen(text));
+    number.pending = 0;
+    mifConvertString(context, number.text);
+    mifWriteText(context, number.text, strlen(number.text));
 }
 
 } // namespace
@@ -118,8 +116,13 @@ int mifApplyParagraphStyle(MifContext *context)
         return 0;
     }
     writeNumString(context);
-    formats.styleChanged = formats.numStringPending; // one that was interrupted still has to be written
+    formats.styleChanged = mifInterruptedNumber(context) ? 1 : 0;
     return 1;
+}
+
+int mifApplyPendingFormat(MifContext *context)
+{
+    return context->formats.styleChanged == 0 || mifApplyParagraphStyle(context) != 0;
 }
 
 void mifSetModes(MifContext *context)

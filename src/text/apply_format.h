@@ -10,6 +10,9 @@
 // written then.
 int mifApplyParagraphStyle(MifContext *context);
 
+// Writes the format that waits, if any. Returns what mifApplyParagraphStyle returns.
+int mifApplyPendingFormat(MifContext *context);
+
 // Switches every mode of currentStyle on, those that are on already too.
 void mifSetModes(MifContext *context);
 

@@ -47,12 +47,6 @@ bool isBreakSuppressed(const MifContext *context)
     return isStringSuppressed(context) || context->tables.inTblFormat != 0;
 }
 
-// Writes the format that waits. Returns false when memory is exhausted: the text must not be written then.
-bool isFormatApplied(MifContext *context)
-{
-    return context->formats.styleChanged == 0 || mifApplyParagraphStyle(context) != 0;
-}
-
 } // namespace
 
 int mifString(MifContext *context)
@@ -65,7 +59,7 @@ int mifString(MifContext *context)
         return 0;
     }
     mifConvertString(context, text);
-    if (!isFormatApplied(context)) {
+    if (mifApplyPendingFormat(context) == 0) {
         return 0;
     }
     return context->pages.inBodyText != 0 ? mifWriteText(context, text, strlen(text)) : 1;
@@ -77,7 +71,7 @@ int mifChar(MifContext *context)
         return 1;
     }
     const char *name = mifValue(context);
-    if (name == nullptr || !isFormatApplied(context)) {
+    if (name == nullptr || mifApplyPendingFormat(context) == 0) {
         return 0;
     }
     if (context->pages.inBodyText != 0) {
@@ -111,7 +105,7 @@ int mifCharEx(MifContext *context, const char *name)
 // A format that waits is not written at a paragraph's end, but with the next text.
 int mifPara(MifContext *context)
 {
-    mifDropNumString(context);
+    mifOwnNumber(context).pending = 0; // a number text does not pass the end of its own paragraph
     if (isBreakSuppressed(context) || context->pages.inBodyText == 0) {
         return 1;
     }

@@ -43,8 +43,8 @@ int writeDefinition(MifContext *context, const char *definition)
         return 0;
     }
     mifConvertString(context, text);
-    const bool applied = context->formats.styleChanged == 0 || mifApplyParagraphStyle(context) != 0;
-    if (applied && context->pages.inBodyText != 0) {
+    const int applied = mifApplyPendingFormat(context);
+    if (applied != 0 && context->pages.inBodyText != 0) {
         mifWriteText(context, text, strlen(text));
     }
     mifRelease(context, text);
