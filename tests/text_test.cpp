@@ -35,7 +35,9 @@ TEST(Text, OnlyBodyTextIsWritten)
     const std::string all = "text \"s\"\ntext \"\\xa5\"\nline-break\npara-end\n";
     EXPECT_EQ(tokensOf(content), all);
     for (const char *container : {"Page", "AFrames", "Tbls", "Notes"}) {
-        EXPECT_EQ(tokensOf('<' + std::string(container) + ' ' + content + '>' + content), all) << container;
+        std::string flow = "<";
+        flow.append(container).append(" ").append(content).append(">").append(content);
+        EXPECT_EQ(tokensOf(flow), all) << container;
     }
     EXPECT_EQ(tokensOf("<TblFormat " + content + ">"), "text \"s\"\n");
     EXPECT_EQ(tokensOf("<TextRectID 8>" + content + "<TextRectID `9'>" + content), all);
