@@ -1,5 +1,5 @@
 // Embedded objects: what the scan records of them, and the reading of their data.
-#include <algorithm>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -263,6 +263,23 @@ TEST(Objects, TheFileOperations)
     EXPECT_EQ(document.read("-7", 4096), "literal data");
     EXPECT_EQ(document.read("8", 4096), "");
     EXPECT_EQ(document.read(" 5 ", 16), hexBytes);
+}
+
+// Byte for byte what was put in, a real PNG and a real JPEG among them, whatever the blocks.
+TEST(Objects, ThoseOfATestDocument)
+{
+    const std::filesystem::path folder = MIFREADER_TEST_DOCUMENTS;
+    OpenDocument document(readFile(folder / "objects.mif"));
+    document.fillAll();
+    size_t files = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(folder / "objects")) {
+        const std::string id = entry.path().stem().string();
+        for (const int32_t block : {16, 100, 4096, 1 << 20}) {
+            EXPECT_TRUE(document.read(id.c_str(), block) == readFile(entry.path())) << id << ' ' << block;
+        }
+        ++files;
+    }
+    EXPECT_EQ(files, 10U);
 }
 
 TEST(Objects, AnAmpersandIsPassedOverOnlyAtALineStart)

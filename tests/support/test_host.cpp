@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -193,6 +195,15 @@ Conversion TestHost::convert()
 Conversion convert(const std::string &document, const Conditions &conditions)
 {
     return TestHost(document, conditions).convert();
+}
+
+std::string readFile(const std::filesystem::path &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file) << path;
+    std::ostringstream content;
+    content << file.rdbuf();
+    return std::move(content).str();
 }
 
 std::string documentOf(const std::string &flow)

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -93,6 +94,8 @@ private:
 
 // Converts under the given conditions with a host of its own.
 Conversion convert(const std::string &document, const Conditions &conditions = {});
+
+std::string readFile(const std::filesystem::path &path);
 
 // A whole document around the content of a text flow: a body page with text rectangle 9, where the flow stands.
 std::string documentOf(const std::string &flow);
