@@ -102,6 +102,7 @@ TEST(Units, MeasurementLists)
     EXPECT_EQ(pageSizeOf(" 72pt 10 furlongs"), std::pair(1440, 14400));
     EXPECT_EQ(pageSizeOf(" 1 cm 2"), std::pair(567, 2880));
     EXPECT_EQ(pageSizeOf(" 1.0\"  2.0\""), std::pair(1440, 2880));
+    EXPECT_EQ(pageSizeOf(" 6\" x 4\""), std::pair(8640, 0));
     EXPECT_EQ(pageSizeOf(" "), std::pair(0, 0));
     EXPECT_EQ(pageSizeOf(""), std::pair(0, 0));
 }

@@ -51,6 +51,11 @@ int32_t twipsPerUnit(std::string_view text)
     return findUnit(suffixes, text.substr(suffix));
 }
 
+bool endsNumber(char byte)
+{
+    return (byte >= '0' && byte <= '9') || byte == '.';
+}
+
 bool isLetter(char byte)
 {
     const char lower = static_cast<char>(byte | 0x20);
@@ -108,13 +113,13 @@ int32_t scaleToTwips(double number, int32_t unit)
     return mifSaturate(number < 0 ? -static_cast<int64_t>(twips) : static_cast<int64_t>(twips));
 }
 
-// The end of a measurement: the blank behind it, or the text's end. A blank between the number and its unit name
-// belongs to the measurement.
+// The end of a measurement: the blank behind it, or the text's end. A blank between a number and its unit name belongs
+// to the measurement.
 const char *measurementEnd(const char *text)
 {
     const char *blank = text + strcspn(text, " ");
     const char *unit = blank + strspn(blank, " ");
-    return blank != text && isLetter(*unit) ? unit + strcspn(unit, " ") : blank;
+    return blank != text && endsNumber(blank[-1]) && isLetter(*unit) ? unit + strcspn(unit, " ") : blank;
 }
 
 const char *skipMeasurement(const char *text)

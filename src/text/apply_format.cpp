@@ -72,13 +72,15 @@ bool sameTabStops(const MifParagraphStyle &left, const MifParagraphStyle &right)
            std::equal(left.tabKinds, left.tabKinds + left.tabCount, right.tabKinds);
 }
 
-// False when memory is exhausted; appliedStyle then has no stops.
+// False when memory is exhausted, appliedStyle then has no stops, or when the token is lost.
 bool applyTabStops(MifContext *context, const MifParagraphStyle &current, MifParagraphStyle &applied)
 {
     if (sameTabStops(current, applied)) {
         return true;
     }
-    mifWriteTabStops(context, current);
+    if (mifWriteTabStops(context, current) == 0) {
+        return false; // the document ends here; a list of that length is not worth copying
+    }
     if (current.tabCount != applied.tabCount) {
         mifReleaseTabArrays(context, applied);
         if (current.tabCount != 0 && !mifAllocateTabArrays(context, applied, current.tabCount)) {
