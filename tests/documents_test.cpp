@@ -85,9 +85,11 @@ TEST(Documents, OneStreamForAllBufferAndReadSizes)
                 EXPECT_TRUE(conversion.stream == expected) << path << ' ' << bufferSize << ' ' << bytesPerRead;
             }
         }
-        const Conversion tooSmall = convert(document, {.bufferSize = largest - 1});
-        EXPECT_EQ(tooSmall.result, 6);
-        EXPECT_TRUE(expected.starts_with(tooSmall.stream) && isWhole(tooSmall)) << path;
+        for (uint32_t bufferSize = 0; bufferSize < largest; ++bufferSize) {
+            const Conversion tooSmall = convert(document, {.bufferSize = bufferSize});
+            EXPECT_EQ(tooSmall.result, 6) << path << ' ' << bufferSize;
+            EXPECT_TRUE(expected.starts_with(tooSmall.stream) && isWhole(tooSmall)) << path << ' ' << bufferSize;
+        }
     }
 }
 

@@ -186,6 +186,35 @@ TEST(FillCycle, StreamsThatMisbehave)
     EXPECT_EQ(convert(document, {.statedSize = -1}).result, 6);
 }
 
+// Every statement with every kind of value that it does not expect, in every surroundings that change its meaning.
+TEST(StatementTable, NoValueHarmsAnyHandler)
+{
+    const std::string values[] = {"<X 1>", " ", "`",           "'",         "`'",        "x",
+                                  "-1",    "0", "99999999999", "`<$a\\>\\", "1 2 3 4 5", "\\x"};
+    const char *const surroundings[] = {"%",
+                                        "<Pgf <PgfTag `New'> % >",
+                                        "<FontCatalog <Font <FTag `New'> % >>",
+                                        "<AFrames <Frame <ID 1> % >>",
+                                        "<Page <TextRect % >>",
+                                        "<Tbls <Tbl % >>",
+                                        "<Tbls <Tbl <TblID 1> % <Row <Cell % >>>><ATbl 1>",
+                                        "<VariableFormats % >",
+                                        "<TblFormat % >",
+                                        "<EqualizeWidths % >"};
+    for (const MifStatementEntry &row : MifStatementTable) {
+        for (const std::string &value : values) {
+            const std::string statement = std::string("<").append(row.name).append(" ").append(value).append(">\n");
+            for (std::string flow : surroundings) {
+                for (size_t place = 0; (place = flow.find('%', place)) != std::string::npos;) {
+                    flow.replace(place, 1, statement);
+                }
+                const Conversion conversion = convert(documentOf(flow + "<String `a'>" + statement + "<String `b'>"));
+                EXPECT_TRUE(conversion.result == 0 && isWhole(conversion)) << flow;
+            }
+        }
+    }
+}
+
 TEST(FillCycle, AFailureIsFinal)
 {
     const std::string document = documentOf("<Para <String `a'>>");

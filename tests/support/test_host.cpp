@@ -19,6 +19,7 @@ namespace
 
 constexpr size_t guardSize = 64;
 constexpr uint8_t guardByte = 0xE5;
+constexpr size_t largestBlock = 64 << 20; // the host's memory has an end
 constexpr size_t mostCalls = 50'000'000;
 
 } // namespace
@@ -58,6 +59,9 @@ HostServices *TestHost::services()
 void *TestHost::take(size_t size, int filling)
 {
     const size_t number = ++allocations_;
+    if (size > largestBlock) {
+        return nullptr;
+    }
     if (conditions_.failingAllocation != 0 &&
         (number == conditions_.failingAllocation ||
          (conditions_.failsFromThereOn && number > conditions_.failingAllocation))) {
