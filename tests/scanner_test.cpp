@@ -238,14 +238,15 @@ TEST(Replay, ATableWithoutAnEndOrWithAnotherInside)
     EXPECT_EQ(tokensOf("<Tbls <Tbl <TblID 1> <X <Tbl <Y 1>>>>>" + flow), "table-end\n" + a + "table-end\n" + b);
     EXPECT_EQ(tokensOf("<Tbl <TblID 1> <X <Y 1> <ATbl 1> <Para <String `a'>>"), a) << "the replay reads to the end";
 
-    std::string nested = "<Tbls <Tbl <TblID 1>\n";
-    for (int depth = 0; depth < 500; ++depth) {
-        nested += "<A ";
-    }
-    nested += "<Tbl <X 1>> " + std::string(500, '>') + " >>";
-    for (int anchor = 0; anchor < 500; ++anchor) {
-        nested += "<ATbl 1>\n";
-    }
+    const auto repeated = [](std::string_view text) {
+        std::string result;
+        for (int time = 0; time < 500; ++time) {
+            result += text;
+        }
+        return result;
+    };
+    const std::string nested =
+        "<Tbls <Tbl <TblID 1>\n" + repeated("<A ") + "<Tbl <X 1>> " + repeated(">") + " >>" + repeated("<ATbl 1>\n");
     EXPECT_LT(convert(documentOf(nested)).peakBytes, 200'000U) << "a replay leaves nothing open";
 }
 
