@@ -208,7 +208,8 @@ TEST(StatementTable, NoValueHarmsAnyHandler)
                 for (size_t place = 0; (place = flow.find('%', place)) != std::string::npos;) {
                     flow.replace(place, 1, statement);
                 }
-                const Conversion conversion = convert(documentOf(flow + "<String `a'>" + statement + "<String `b'>"));
+                flow.append("<String `a'>").append(statement).append("<String `b'>");
+                const Conversion conversion = convert(documentOf(flow));
                 EXPECT_TRUE(conversion.result == 0 && isWhole(conversion)) << flow;
             }
         }
