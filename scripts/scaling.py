@@ -83,8 +83,8 @@ FAMILIES = {
     "fonts": (fonts, 10000, 10, 12),
     "variables": (variables, 10000, 10, 12),
     "pages": (pages, 10000, 10, 12),
-    "tables": (tables, 10000, 2, 2.3),
-    "frames": (frames, 10000, 2, 2.3),
+    "tables": (tables, 20000, 2, 2.3),
+    "frames": (frames, 20000, 2, 2.3),
 }
 
 
