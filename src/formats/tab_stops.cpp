@@ -13,8 +13,7 @@ int32_t *allocateArray(MifContext *context, int32_t count)
     if (entries > SIZE_MAX / sizeof(int32_t)) {
         return nullptr;
     }
-    HostServices *services = context->host.services;
-    return static_cast<int32_t *>(services->allocateZeroed(&services->memoryHandleArea, 1, entries * sizeof(int32_t)));
+    return static_cast<int32_t *>(mifAllocateZeroedBytes(context, entries * sizeof(int32_t)));
 }
 
 } // namespace

@@ -61,8 +61,7 @@ Chunk readChunk(MifContext *context, int32_t position, int32_t count)
 {
     const int64_t rest = std::max(context->source.totalSize - position, 1);
     const auto size = static_cast<size_t>(std::min(count * textPerByte, rest));
-    HostServices *services = context->host.services;
-    auto *text = static_cast<char *>(services->allocateZeroed(&services->memoryHandleArea, 1, size));
+    auto *text = static_cast<char *>(mifAllocateZeroedBytes(context, size));
     size_t length = 0;
     if (text != nullptr) {
         seekStream(context, position);

@@ -16,13 +16,18 @@ inline void *mifAllocateBytes(MifContext *context, size_t size)
     return services->allocate(&services->memoryHandleArea, size);
 }
 
+inline void *mifAllocateZeroedBytes(MifContext *context, size_t size)
+{
+    HostServices *services = context->host.services;
+    return services->allocateZeroed(&services->memoryHandleArea, 1, size);
+}
+
 // One cleared record.
 template <typename Record>
 Record *mifAllocateZeroed(MifContext *context)
 {
     static_assert(std::is_trivial_v<Record>);
-    HostServices *services = context->host.services;
-    return static_cast<Record *>(services->allocateZeroed(&services->memoryHandleArea, 1, sizeof(Record)));
+    return static_cast<Record *>(mifAllocateZeroedBytes(context, sizeof(Record)));
 }
 
 // An own copy of the bytes, zero-terminated.

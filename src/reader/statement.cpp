@@ -21,6 +21,16 @@ ValueBytes valueBytes(const MifContext *context)
     return {statement->valueStart, statement->valueEnd + 1};
 }
 
+// The value without its last character, zero-terminated.
+char *withoutLast(const MifContext *context)
+{
+    const ValueBytes value = valueBytes(context);
+    if (value.begin != nullptr) {
+        *(value.begin < value.end ? value.end - 1 : value.end) = '\0';
+    }
+    return value.begin;
+}
+
 } // namespace
 
 MifStatement *mifPushStatement(MifContext *context, MifStatementHandler handler, char *valueStart)
@@ -79,16 +89,12 @@ char *mifUnquotedValue(MifContext *context)
 
 char *mifStringValue(MifContext *context)
 {
-    ValueBytes value = valueBytes(context);
-    if (value.begin == nullptr) {
-        return nullptr;
-    }
-    if (value.begin < value.end) {
-        --value.end;
-    }
-    *value.end = '\0';
-    if (*value.begin == '`') {
-        ++value.begin;
-    }
-    return value.begin;
+    char *value = withoutLast(context);
+    return value != nullptr && *value == '`' ? value + 1 : value;
+}
+
+char *mifInnerValue(MifContext *context)
+{
+    char *value = withoutLast(context);
+    return value != nullptr && *value != '\0' ? value + 1 : value;
 }

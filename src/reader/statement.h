@@ -27,4 +27,7 @@ char *mifUnquotedValue(MifContext *context);
 // Without a leading backquote, and without its last character whatever that is.
 char *mifStringValue(MifContext *context);
 
+// Without its first and its last character, whatever they are.
+char *mifInnerValue(MifContext *context);
+
 #endif

@@ -19,6 +19,12 @@ bool isAutoSizeColumn(int32_t column)
     return column >= 0 && column < autoSizeColumns;
 }
 
+// Minimum and maximum widths count only while the tables are read for the first time.
+bool isFirstReading(const MifContext *context)
+{
+    return context->replay.readingStretch == 0 && context->tables.inTblFormat == 0;
+}
+
 // Columns are often counted one by one, past the widths that were allocated.
 int32_t layoutColumns(const MifTableState &tables)
 {
@@ -79,11 +85,10 @@ int mifTblNumColumns(MifContext *context)
     }
     tables.columnCount = count;
     const size_t size = static_cast<size_t>(count) * sizeof(int32_t);
-    auto *widths = static_cast<int32_t *>(mifAllocateBytes(context, size));
+    auto *widths = static_cast<int32_t *>(mifAllocateZeroedBytes(context, size));
     if (widths == nullptr) {
         return 0;
     }
-    memset(widths, 0, size);
     mifFreeColumns(context);
     tables.columnWidths = widths;
     tables.allocatedColumns = count;
@@ -119,7 +124,7 @@ int mifTblColumnWidthA(MifContext *context)
     if (value == nullptr) {
         return 0;
     }
-    if (tables.inTblFormat != 0 || context->replay.readingStretch != 0) {
+    if (!isFirstReading(context)) {
         return 1;
     }
     // This list begins with its first measurement, without a blank before it.
@@ -137,7 +142,7 @@ int mifTblColumnNum(MifContext *context)
     if (value == nullptr) {
         return 0;
     }
-    if (tables.inTblFormat != 0 || context->replay.readingStretch != 0) {
+    if (!isFirstReading(context)) {
         return 1;
     }
     if (tables.inEqualizeWidths == 0) {

@@ -11,16 +11,6 @@
 namespace
 {
 
-// The value without its first and last character, whatever they are; null when there is no value.
-char *innerValue(MifContext *context)
-{
-    char *value = mifStringValue(context);
-    if (value != nullptr && value == context->scanner.statementStack->valueStart && *value != '\0') {
-        ++value;
-    }
-    return value;
-}
-
 int declareVariable(MifContext *context, const char *name)
 {
     auto *variable = mifAllocateZeroed<MifVariable>(context);
@@ -61,7 +51,7 @@ int mifVariableFormats(MifContext *context)
 
 int mifVariableName(MifContext *context)
 {
-    const char *name = innerValue(context);
+    const char *name = mifInnerValue(context);
     if (name == nullptr) {
         return 0;
     }
@@ -78,7 +68,7 @@ int mifVariableName(MifContext *context)
 // A definition belongs to the variable declared last, wherever it stands.
 int mifVariableDef(MifContext *context)
 {
-    char *value = innerValue(context);
+    char *value = mifInnerValue(context);
     if (value == nullptr) {
         return 0;
     }
