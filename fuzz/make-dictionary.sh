@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# make-dictionary.sh: prints a libFuzzer dictionary: all words that the reader's sources compare a document with, which
+# are its string literals, statement names opened as statements too, and the signs of the format.
+set -euo pipefail
+cd -- "$(dirname -- "$0")/.."
+
+names() { grep -oP '^\s*\{"\K\w+(?=")' src/reader/statement_table.cpp; }
+words() { git ls-files 'src/*.cpp' | xargs grep -hv '^ *#include' | grep -oP '"(\\.|[^"\\])+"' | sort -u; }
+
+[ "$(names | wc -l)" -eq "$(grep -oP 'statementCount = \K\d+' src/reader/statement_table.h)" ]
+words
+names | sed 's/.*/"<& "/'
+cat <<'END'
+"`"
+"'>"
+"> "
+">>>"
+"\x0a"
+"\x0d\x0a"
+"\\\\x8a "
+"\\\\t"
+"\\\\>"
+"\\\\Q"
+"&\\\\x\x0a"
+"=EndInset\x0a"
+"\x0a&"
+"\x0a&%v"
+"\x0a="
+"define(a, b)"
+"include (a)"
+"2147483647"
+"4294967296"
+"-1"
+"0x1p9"
+"1e400"
+END
