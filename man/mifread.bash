@@ -1,0 +1,46 @@
+# Completion of mifread for bash.
+
+_mifread()
+{
+    local cur prev words cword split
+    _init_completion -s || return
+
+    case $prev in
+        -d | --directory)
+            _filedir -d
+            return
+            ;;
+        -o | --output | --report)
+            _filedir
+            return
+            ;;
+        --plugin)
+            _filedir so
+            return
+            ;;
+        -j | --jobs | --buffer | --max-memory | --max-output)
+            return
+            ;;
+    esac
+    $split && return
+
+    local single='--help --output --max-memory --max-output --buffer --plugin'
+    local batch="$single --directory --recursive --jobs --fail-fast --report --quiet"
+    local -A options=(
+        [text]=$batch
+        [html]=$batch
+        [json]="$batch --objects"
+        [objects]=$batch
+        [info]="$batch --json"
+        [tokens]=$single
+    )
+    local command=${words[1]}
+    if ((cword == 1)); then
+        COMPREPLY=($(compgen -W "${!options[*]} --help --version" -- "$cur"))
+    elif [[ $cur == -* ]]; then
+        COMPREPLY=($(compgen -W "${options[$command]-}" -- "$cur"))
+    else
+        _filedir mif
+    fi
+} &&
+    complete -F _mifread mifread
