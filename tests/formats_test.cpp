@@ -131,6 +131,16 @@ TEST(Formats, Catalogs)
               "text \"x\"\npara-format left=1440 right=1440 first=0 alignment=right\ntext \"y\"\n" + indents +
                   "text \"z\"\n" + "para-format left=1440 right=1440 first=0 alignment=right\ntext \"w\"\n");
     EXPECT_EQ(stateAfter("<PgfTag `'>").styleChanged, 0U);
+    // A format keeps 4096 statements, its tag among them.
+    const auto repeated = [](size_t count) {
+        std::string statements = "<Pgf <PgfTag `A'> <FSize 1>";
+        for (size_t statement = 2; statement < count; ++statement) {
+            statements += "<X 1>";
+        }
+        return statements + "<FSize 2>>";
+    };
+    EXPECT_EQ(fontSizeAfter("<PgfCatalog " + repeated(4095) + ">"), 2);
+    EXPECT_EQ(fontSizeAfter("<PgfCatalog " + repeated(4096) + ">"), 1);
     // Selecting a format decides anew whether anything differs.
     EXPECT_EQ(stateAfter("<PgfCatalog <Pgf <PgfTag `A'> <PgfLIndent 1\">>><FSize 3><String `x'><FSize 4><PgfTag `A'>")
                   .styleChanged,
@@ -140,6 +150,37 @@ TEST(Formats, Catalogs)
     EXPECT_EQ(tokensWith(fonts, "<FBold Yes><FSize 12><String `x'><FTag `E'><String `y'><FTag `'><String `z'>"),
               indents + "font number=0 size=12\nattribute bold on\ntext \"x\"\nfont number=0 size=9\ntext \"y\"\n"
                         "attribute bold off\nattribute bold on\ntext \"z\"\n");
+}
+
+// A definition that cannot be carried out to its end stays open: what follows goes on being stored.
+TEST(Formats, DefinitionsThatFail)
+{
+    const std::string failing = "<PgfCatalog <Pgf <PgfTag `A'> <FSize 3> <PgfNumTabs -1> <FSize 5>>>";
+    EXPECT_EQ(fontSizeAfter(failing), 3);
+    EXPECT_EQ(fontSizeAfter(failing + "<Pgf <FSize 7>><FSize 1><PgfTag `B'><Pgf <FSize 8>>"), 8);
+    EXPECT_EQ(fontSizeAfter(failing + "<FontCatalog <Font <FTag `E'>>><Font <FSize 7>>"), 3);
+    EXPECT_EQ(fontSizeAfter("<FontCatalog <Font <FTag `E'>>><Font <FSize 7>>"), 7);
+    EXPECT_EQ(fontSizeAfter("<FontCatalog <Font <FTag `'> <FSize 4>> <Font <FTag `'> <FSize 5>>>"), 0);
+}
+
+// The number that the output tells of a font is the host's, counted from 0; without an answer it is 0.
+TEST(Formats, NumbersOfFonts)
+{
+    for (const uint32_t answer : {0U, 1U, 7U}) {
+        TestHost host(documentOf("<PgfLIndent 0><PgfRIndent 0><FFamily `F'><String `a'>"));
+        uint32_t stored = 0;
+        uint32_t number = answer;
+        const auto notify = [](void *cookie, uint32_t /*code*/, void * /*data*/) {
+            return *static_cast<uint32_t *>(cookie);
+        };
+        MifContext *context = mifAllocateContext(&number, notify, &stored, host.services(), 0);
+        ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+        Conversion conversion;
+        host.fill(context, conversion);
+        EXPECT_NE(listing(conversion).find("font number=" + std::to_string(answer == 0 ? 0 : answer - 1) + " size=0"),
+                  std::string::npos);
+        host.close(context);
+    }
 }
 
 TEST(Formats, TabStops)

@@ -1,4 +1,5 @@
 // The host library: streams, memory, plug-ins, sessions, the decoder's distrust, and the check of the source.
+#include <algorithm>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -179,8 +180,7 @@ TEST(FileStream, OpensFilesAndSaysWhyNot)
     EXPECT_EQ(stream.size(), text.size());
     mifhost::Document document(stream);
     EXPECT_EQ(textOf(document).size(), 3001U);
-    for (const uint64_t position :
-         {uint64_t{0}, uint64_t{150000}, uint64_t{149000}, text.size() - 1, text.size() + 5}) {
+    for (const size_t position : {size_t{0}, size_t{150000}, size_t{149000}, text.size() - 1, text.size() + 5}) {
         uint8_t byte = 0;
         stream.seek(position);
         const size_t delivered = stream.read({&byte, 1});
@@ -204,7 +204,12 @@ TEST(SourceCheck, SeesWhatTheReaderCannotTell)
     const std::string whole = documentOf("<Para <String `a > \\> <'> # <b\n stray <c\n>");
     const std::string cut = documentOf("<Para") + "<Para <String `a";
     const std::string lengthy = documentOf("<String `" + std::string(4090, 'x') + "'> <Para <String `y'>>");
+    std::string zeros = documentOf("<String `a@b@c'> <Unknown @> <String `@'>");
+    std::replace(zeros.begin(), zeros.end(), '@', '\0');
     for (const size_t piece : {size_t{1}, size_t{7}, size_t{100000}}) {
+        EXPECT_EQ(check(zeros, piece).cutStrings(), 2U);
+        EXPECT_EQ(check(zeros, piece).firstCut(), zeros.find('\0'));
+        EXPECT_EQ(check(whole, piece).cutStrings(), 0U);
         EXPECT_EQ(check(whole, piece).droppedStatements(), 0U);
         EXPECT_EQ(check(cut, piece).openStatements(), 3U);
         EXPECT_EQ(check(cut, piece).innermostOpen(), cut.size() - 10);

@@ -42,9 +42,19 @@ TEST(Interface, TheSizeIsMeasuredOnlyWhenItIsNotKnown)
         MifContext *context = host.open();
         ASSERT_EQ(mifInitDoc(context, nullptr, stated, host.stream()), 0);
         EXPECT_EQ(context->source.totalSize, stated == 0 ? 10000 : 77);
-        EXPECT_EQ(host.seeks, stated == 0 ? 2U : 0U);
+        EXPECT_EQ(host.work().seeks, stated == 0 ? 2U : 0U);
         EXPECT_EQ(host.stream()->tell(host.stream()), 0);
         host.close(context);
+    }
+}
+
+TEST(Interface, ADocumentIsSmallerThan2GiB)
+{
+    for (const int64_t size : {int64_t{-1}, int64_t{INT32_MAX}, int64_t{INT32_MAX} + 1, int64_t{1} << 32}) {
+        const auto told = static_cast<intptr_t>(size);
+        if (told == size) {
+            EXPECT_EQ(convert(documentOf(""), {.toldSize = told}).result, size == INT32_MAX ? 0 : 6) << size;
+        }
     }
 }
 
@@ -71,13 +81,14 @@ TEST(Interface, TheFileOperationsAreHandedOverOnceBeforeTheFirstFill)
     char destination[16];
     MifFileHandle handle{};
     handle.name = name;
-    for (MifContext *owner : {static_cast<MifContext *>(nullptr), context}) {
-        handle.context = owner;
-        EXPECT_EQ(access.mifFileOpen(&handle), 0);
-        EXPECT_EQ(access.mifFileRead(&handle, destination, sizeof(destination)), 0);
-        EXPECT_EQ(access.mifFileSeek(&handle, 0, MIF_SEEK_END), 0);
-        EXPECT_EQ(access.mifFileTell(&handle), -1);
-        EXPECT_EQ(access.mifFileClose(&handle), 0);
+    MifFileHandle unowned = handle;
+    handle.context = context;
+    for (MifFileHandle *file : {static_cast<MifFileHandle *>(nullptr), &unowned, &handle}) {
+        EXPECT_EQ(access.mifFileOpen(file), 0);
+        EXPECT_EQ(access.mifFileRead(file, destination, sizeof(destination)), 0);
+        EXPECT_EQ(access.mifFileSeek(file, 0, MIF_SEEK_END), 0);
+        EXPECT_EQ(access.mifFileTell(file), -1);
+        EXPECT_EQ(access.mifFileClose(file), 0);
     }
     host.close(context);
 }
@@ -93,11 +104,12 @@ TEST(Interface, TearDown)
     TestHost unbound("");
     EXPECT_EQ(mifFreeContext(unbound.open()), 0);
 
-    TestHost silent(documentOf("<Para <ParaLine"));
+    TestHost silent(documentOf("<FFamily `F'><String `a'><Para <ParaLine"));
     uint32_t stored = 0;
     context = mifAllocateContext(nullptr, nullptr, &stored, silent.services(), 5);
     ASSERT_EQ(mifInitDoc(context, nullptr, 0, silent.stream()), 0);
     Conversion conversion;
     silent.fill(context, conversion);
+    EXPECT_NE(listing(conversion).find("font number=0"), std::string::npos);
     silent.close(context);
 }

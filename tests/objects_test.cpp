@@ -331,6 +331,28 @@ TEST(Objects, ReadingDisturbsNothing)
     }
 }
 
+// What the statements of a frame make of its record. Those outside of it are another's.
+TEST(Objects, PlacesOfFrames)
+{
+    const std::string shape = "<ShapeRect  1.0\" 0.5\" 2.0\" 1.5\">";
+    const auto placeOf = [](const std::string &frames) {
+        OpenDocument document(documentOf("<PageSize  10\" 20\"><AFrames <Frame <ID 5> " + frames + ">"));
+        document.fillAll();
+        const MifFrameRecord *record = document.frame(5);
+        return std::vector<int32_t>{record->x, record->y, record->width, record->height};
+    };
+    using Place = std::vector<int32_t>;
+    EXPECT_EQ(placeOf(shape + ">"), (Place{1440, 720, 2880, 2160}));
+    EXPECT_EQ(placeOf(shape + "<NSOffset  0.5\"><NSOffset  -0.25\">>"), (Place{1800, 720, 2880, 2160}));
+    EXPECT_EQ(placeOf(shape + "<AnchorAlign Center>>"), (Place{5760, 720, 2880, 2160}));
+    EXPECT_EQ(placeOf(shape + "<AnchorAlign Right><AnchorAlign Left>>"), (Place{11520, 720, 2880, 2160}));
+    EXPECT_EQ(placeOf(">" + shape), (Place{0, 0, 0, 0})) << "behind the frame";
+    EXPECT_EQ(placeOf("<Page " + shape + ">>"), (Place{0, 0, 0, 0})) << "on a page";
+    EXPECT_EQ(placeOf("> <ImportObject " + shape + ">"), (Place{0, 0, 0, 0})) << "scanned raw";
+    EXPECT_EQ(placeOf("> > <AnchorAlign Right"), (Place{0, 0, 0, 0})) << "behind all frames";
+    EXPECT_EQ(tokensOf(shape + "<NSOffset 1><AFrames <AnchorAlign Right>>" + shape), "") << "no frame at all";
+}
+
 TEST(Objects, FileReferences)
 {
     const auto nameOf = [](const std::string &reference) {

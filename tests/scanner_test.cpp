@@ -1,4 +1,5 @@
 // The statement grammar, seen through the text that comes out, and the fill cycle.
+#include <algorithm>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include "reader/context.h"
 #include "reader/replay.h"
 #include "reader/source.h"
+#include "reader/statement.h"
 #include "reader/statement_table.h"
 #include "support/test_host.h"
 
@@ -64,6 +66,13 @@ TEST(Scanner, Grammar)
     }
 }
 
+TEST(Scanner, AZeroByteEndsWhatCountsOfAName)
+{
+    std::string flow = "<Para <String_x `a'> <Str_ng `b'>>";
+    std::replace(flow.begin(), flow.end(), '_', '\0');
+    EXPECT_EQ(tokensOf(flow), "text \"a\"\nline-break\npara-end\n");
+}
+
 TEST(Scanner, StatementsThatDoNotFitInAStretchAreDropped)
 {
     const std::string filler(5000, 'x');
@@ -108,6 +117,7 @@ TEST(FillCycle, Header)
     EXPECT_EQ(resultOf("<miffile 5.00>"), 6);
     EXPECT_EQ(resultOf("<MIFFile 5.00" + std::string(5000, ' ') + ">"), 6);
     EXPECT_EQ(resultOf("<MIFFile>"), 0);
+    EXPECT_EQ(convert("", {.bufferSize = 1}).percent, 100) << "nothing is left";
 
     const auto headerOf = [](const std::string &header, double version, const char *comment) {
         TestHost host(header + "<Units Ucm>\n");
@@ -173,7 +183,7 @@ TEST(FillCycle, StreamsThatMisbehave)
     const std::string document = documentOf("<String `a'>" + std::string(9000, ' ') + "<String `b'>");
     const std::string whole = convert(document).stream;
     for (size_t read = 1; read <= 3; ++read) {
-        const Conversion conversion = convert(document, {.lyingRead = read});
+        const Conversion conversion = convert(document, {.read = {read}});
         EXPECT_EQ(conversion.result, read == 1 ? 6 : 0);
         EXPECT_TRUE(whole.starts_with(conversion.stream));
     }
@@ -216,11 +226,38 @@ TEST(StatementTable, NoValueHarmsAnyHandler)
     }
 }
 
+// A handler returns 0 for what it cannot take: a value that is not there, or that names nothing.
+TEST(StatementTable, ResultsOfTheHandlers)
+{
+    const auto namesByResult = [](int wanted, char *value) {
+        TestHost host(documentOf(""));
+        MifContext *context = host.open();
+        EXPECT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+        Conversion conversion;
+        host.fill(context, conversion);
+        std::string names;
+        for (const MifStatementEntry &row : MifStatementTable) {
+            std::string text = value != nullptr ? value : "";
+            MifStatement *statement = mifPushStatement(context, row.handler, value != nullptr ? text.data() : nullptr);
+            statement->valueEnd = value != nullptr ? text.data() + text.size() - 1 : nullptr;
+            names += mifProcessEndTag(context, 1) == wanted ? std::string(" ") + row.name : "";
+        }
+        host.close(context);
+        return names;
+    };
+    EXPECT_EQ(namesByResult(1, nullptr),
+              " TblCatalog TblFormat Tbl Tbls Cell CellContent TblH TblBody Row EqualizeWidths Para ParaLine "
+              "VariableFormats PgfCatalog Pgf PgfFont TabStop Page PageNum TextRect AFrames Frame ID ImportObject "
+              "FrameType Notes Unique FontCatalog Font");
+    char number[] = "1";
+    EXPECT_EQ(namesByResult(0, number), " MIFFile MText VariableName VariableDef AFrame");
+}
+
 TEST(FillCycle, AFailureIsFinal)
 {
     const std::string document = documentOf("<Para <String `a'>>");
-    const size_t allocations = convert(document).allocations;
-    TestHost host(document, {.failingAllocation = allocations - 1});
+    const size_t allocations = convert(document).work.allocations;
+    TestHost host(document, {.allocation = {allocations - 1}});
     MifContext *context = host.open();
     ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
     for (int call = 0; call < 3; ++call) {
@@ -248,7 +285,7 @@ TEST(Replay, ATableWithoutAnEndOrWithAnotherInside)
     };
     const std::string nested =
         "<Tbls <Tbl <TblID 1>\n" + repeated("<A ") + "<Tbl <X 1>> " + repeated(">") + " >>" + repeated("<ATbl 1>\n");
-    EXPECT_LT(convert(documentOf(nested)).peakBytes, 200'000U) << "a replay leaves nothing open";
+    EXPECT_LT(convert(documentOf(nested)).work.peakBytes, 200'000U) << "a replay leaves nothing open";
 }
 
 TEST(StatementTable, HashAndLookup)
@@ -263,7 +300,7 @@ TEST(StatementTable, HashAndLookup)
     MifContext *context = host.open();
     ASSERT_EQ(mifCreateHashTable(context), 1);
     for (const MifStatementEntry &row : MifStatementTable) {
-        EXPECT_EQ(mifFindStatement(context, row.name), &row);
+        EXPECT_EQ(mifGetTagFunction(context, row.name), row.handler);
     }
     EXPECT_EQ(mifGetTagFunction(context, "para"), mifUnsupportedMIFStatement);
     EXPECT_EQ(mifGetTagFunction(context, "FUnderline"), mifGetTagFunction(context, "FUnderlining"));

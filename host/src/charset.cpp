@@ -1,40 +1,15 @@
 #include "mifhost/charset.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <memory>
-#include <optional>
-#include <type_traits>
 
-#include <iconv.h>
-
-#include "mifhost/error.h"
+#include "system.h"
 
 namespace mifhost
 {
 
 namespace
 {
-
-struct CloseConverter {
-    void operator()(iconv_t converter) const noexcept
-    {
-        iconv_close(converter);
-    }
-};
-static_assert(std::is_pointer_v<iconv_t>);
-using Converter = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseConverter>;
-
-Converter openConverter()
-{
-    const iconv_t converter = iconv_open("UTF-8", "WINDOWS-1252");
-    // The error value is (iconv_t)-1, which the C interface leaves to a cast.
-    if (reinterpret_cast<std::intptr_t>(converter) == -1) {
-        throw Error("", std::nullopt, "the C library cannot convert Windows-1252 to UTF-8");
-    }
-    return Converter(converter);
-}
 
 // The number of ASCII bytes that text begins with.
 std::size_t asciiRun(std::string_view text)
@@ -58,20 +33,14 @@ std::size_t asciiRun(std::string_view text)
 
 Windows1252::Windows1252()
 {
-    const Converter converter = openConverter();
+    const auto characters = system::upperHalfOfWindows1252();
     for (std::size_t i = 0; i < upperHalf_.size(); ++i) {
-        char byte = static_cast<char>(0x80 + i);
-        char *source = &byte;
-        std::size_t sourceLeft = 1;
         Encoded &encoded = upperHalf_[i];
-        char *target = encoded.bytes.data();
-        std::size_t targetLeft = encoded.bytes.size();
-        if (iconv(converter.get(), &source, &sourceLeft, &target, &targetLeft) == 0) {
-            encoded.size = static_cast<std::uint8_t>(encoded.bytes.size() - targetLeft);
+        if (characters[i].empty()) {
+            encoded = {{'\xEF', '\xBF', '\xBD'}, 3, true};
             continue;
         }
-        encoded = {{'\xEF', '\xBF', '\xBD'}, 3, true};
-        iconv(converter.get(), nullptr, nullptr, nullptr, nullptr);
+        encoded.size = static_cast<std::uint8_t>(characters[i].copy(encoded.bytes.data(), encoded.bytes.size()));
     }
 }
 

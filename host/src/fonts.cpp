@@ -13,6 +13,9 @@ std::uint32_t FontRegistry::add(const MifFontRecord &record)
     if (known != numbers_.end()) {
         return known->second;
     }
+    if (faces_.size() == mostFamilies) {
+        return 0;
+    }
 
     faces_.push_back({std::string(name), record.familyClass});
     const auto number = static_cast<std::uint32_t>(faces_.size());

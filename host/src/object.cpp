@@ -103,7 +103,12 @@ std::size_t Object::readBlock(std::size_t count)
 {
     const auto wanted = static_cast<std::int32_t>(count);
     const std::int32_t delivered = document_.fileAccess_.mifFileRead(&handle_, block_.get(), wanted);
-    document_.throwPendingError();
+    try {
+        document_.throwPendingError();
+    } catch (const LimitReached &) { // of this object: the rest of the document may do
+        document_.memory_.forgetRefusals();
+        throw LimitReached(document_.name(), std::nullopt, "object " + id_ + " cannot be read: too little memory");
+    }
     if (delivered < 0 || delivered > wanted) {
         throw PluginError(document_.name(), std::nullopt, "the plug-in tells no valid number of bytes read");
     }
@@ -120,7 +125,8 @@ std::size_t Object::readRest()
     for (std::uint64_t position = 0; position < blockStart_; position += blockLimit_) {
         access.mifFileSeek(&handle_, static_cast<std::int32_t>(blockLimit_), MIF_SEEK_CURRENT);
     }
-    const std::size_t count = readBlock(std::min<std::uint64_t>(size_ - blockStart_, blockLimit_));
+    const std::size_t count =
+        readBlock(static_cast<std::size_t>(std::min<std::uint64_t>(size_ - blockStart_, blockLimit_)));
     if (count == 0) {
         throw LimitReached(document_.name(), std::nullopt,
                            "object " + id_ + " cannot be read from its byte " + std::to_string(blockStart_) +

@@ -1,23 +1,16 @@
 #include "mifhost/plugin.h"
 
-#include <dlfcn.h>
-
 #include <string_view>
 #include <utility>
 
 #include "mifhost/error.h"
+#include "system.h"
 
 namespace mifhost
 {
 
 namespace
 {
-
-std::string loaderMessage()
-{
-    const char *message = dlerror();
-    return message != nullptr ? message : "unknown error";
-}
 
 void requireEntries(const std::string &path, const MifReaderInterface &entries)
 {
@@ -36,7 +29,7 @@ void requireEntries(const std::string &path, const MifReaderInterface &entries)
 
 void Plugin::Unload::operator()(void *library) const noexcept
 {
-    dlclose(library);
+    system::unloadLibrary(library);
 }
 
 Plugin::Plugin(Library library, const MifReaderInterface &entries) noexcept
@@ -53,13 +46,13 @@ Plugin Plugin::linked()
 
 Plugin Plugin::load(const std::string &path)
 {
-    Library library(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
+    Library library(system::loadLibrary(path));
     if (library == nullptr) {
-        throw PluginError(path, std::nullopt, "cannot load the plug-in: " + loaderMessage());
+        throw PluginError(path, std::nullopt, "cannot load the plug-in: " + system::lastLoaderError());
     }
-    void *entry = dlsym(library.get(), "mifGetReaderInterface");
+    void *entry = system::findFunction(library.get(), "mifGetReaderInterface");
     if (entry == nullptr) {
-        throw PluginError(path, std::nullopt, "not a reader plug-in: " + loaderMessage());
+        throw PluginError(path, std::nullopt, "not a reader plug-in: " + system::lastLoaderError());
     }
 
     MifReaderInterface entries{};

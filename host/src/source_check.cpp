@@ -56,6 +56,13 @@ bool isIn(const ByteSet &set, char byte)
     return set[static_cast<unsigned char>(byte)];
 }
 
+// The first such byte, or end.
+const char *findByte(char byte, const char *next, const char *end)
+{
+    const void *found = std::memchr(next, byte, static_cast<std::size_t>(end - next));
+    return found != nullptr ? static_cast<const char *>(found) : end;
+}
+
 const char *findIn(const ByteSet &set, const char *next, const char *end)
 {
     while (next != end && !isIn(set, *next)) {
@@ -76,6 +83,7 @@ void SourceCheck::feed(std::uint64_t position, std::span<const std::uint8_t> byt
     const char *const end = next + bytes.size();
     chunkEnd_ = end;
     bytesSeen_ += bytes.size();
+    chunkHasNul_ = findByte('\0', next, end) != end; // hardly ever
     while (next != end) {
         next = scan(next, end);
     }
@@ -176,8 +184,9 @@ void SourceCheck::beginValue(std::string_view name) noexcept
 
 const char *SourceCheck::scanValue(const char *next, const char *end)
 {
+    std::uint64_t tail = valueTail_; // a local one stays in a register
     for (; next != end; ++next) {
-        valueTail_ = valueTail_ << 8 | static_cast<unsigned char>(*next);
+        tail = tail << 8 | static_cast<unsigned char>(*next);
         if (!isIn(valueStops, *next)) {
             continue;
         }
@@ -198,21 +207,39 @@ const char *SourceCheck::scanValue(const char *next, const char *end)
         case '`':
             lastByte_ = '`';
             state_ = State::Quoted;
+            stringIsCut_ = false;
             return scanQuoted(next + 1, end);
         default:
-            if (endsWith(valueTail_, defineWord) || endsWith(valueTail_, includeWord)) {
+            if (endsWith(tail, defineWord) || endsWith(tail, includeWord)) {
                 state_ = State::Macro;
                 return next + 1;
             }
         }
     }
+    valueTail_ = tail;
     return next;
+}
+
+// Looks for a NUL byte in a piece of a string.
+void SourceCheck::noteNul(const char *start, const char *end) noexcept
+{
+    const char *const nul = findByte('\0', start, end);
+    if (nul == end || stringIsCut_) {
+        return;
+    }
+    stringIsCut_ = true;
+    if (cutStrings_++ == 0) {
+        firstCut_ = positionOf(nul);
+    }
 }
 
 const char *SourceCheck::scanQuoted(const char *next, const char *end)
 {
     while (next != end) {
         const auto *close = static_cast<const char *>(std::memchr(next, '>', static_cast<std::size_t>(end - next)));
+        if (chunkHasNul_) {
+            noteNul(next, close != nullptr ? close : end);
+        }
         if (close == nullptr) {
             lastByte_ = end[-1];
             return end;
@@ -232,11 +259,11 @@ const char *SourceCheck::scanQuoted(const char *next, const char *end)
 
 const char *SourceCheck::scanLine(const char *next, const char *end)
 {
-    next = findIn(lineEnds, next, end);
-    if (next != end) {
+    const char *lineEnd = findByte('\r', next, findByte('\n', next, end));
+    if (lineEnd != end) {
         state_ = State::Between;
     }
-    return next;
+    return lineEnd;
 }
 
 // Compares the bytes with the rest of word_ and goes on in one state when it is there and in the other when it is not.

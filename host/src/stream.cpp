@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -12,13 +11,13 @@
 #include <type_traits>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "mifhost/error.h"
 #include "mifhost/source_check.h"
 #include "mifreader/reader.h"
+#include "system.h"
 
 namespace mifhost
 {
@@ -45,35 +44,15 @@ void requireSize(const std::string &name, std::uint64_t size)
     }
 }
 
-// read(2) again when a signal came between. Throws IoError at the given position.
+// read(2). Throws IoError at the given position, also when a signal came between: who has signals interrupt calls wants
+// to stop waiting.
 std::size_t readSome(int file, std::span<std::uint8_t> destination, const std::string &name, std::uint64_t position)
 {
-    for (;;) {
-        const ssize_t count = ::read(file, destination.data(), destination.size());
-        if (count >= 0) {
-            return static_cast<std::size_t>(count);
-        }
-        if (errno != EINTR) {
-            throw IoError(name, position, "cannot read: " + systemMessage(errno));
-        }
+    const ssize_t count = ::read(file, destination.data(), static_cast<unsigned>(destination.size()));
+    if (count < 0) {
+        throw IoError(name, position, "cannot read: " + systemMessage(errno));
     }
-}
-
-FileDescriptor makeTemporaryFile(const std::string &name)
-{
-    std::error_code error;
-    std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    if (error) {
-        folder = "/tmp";
-    }
-    std::string path = folder / "mifhost-XXXXXX";
-    FileDescriptor file(mkostemp(path.data(), O_CLOEXEC));
-    if (file.get() < 0) {
-        throw IoError(name, std::nullopt,
-                      "cannot make a temporary file in " + folder.string() + ": " + systemMessage(errno));
-    }
-    unlink(path.c_str());
-    return file;
+    return static_cast<std::size_t>(count);
 }
 
 // Copies all that is left in a file to a temporary one.
@@ -86,7 +65,7 @@ FileDescriptor spool(int file, const std::string &name)
         size += count;
         requireSize(name, size);
         for (std::size_t done = 0; done < count;) {
-            const ssize_t written = ::write(copy.get(), block.get() + done, count - done);
+            const ssize_t written = ::write(copy.get(), block.get() + done, static_cast<unsigned>(count - done));
             if (written < 0 && errno != EINTR) {
                 throw IoError(name, std::nullopt, "cannot write a temporary copy: " + systemMessage(errno));
             }
@@ -97,6 +76,21 @@ FileDescriptor spool(int file, const std::string &name)
 }
 
 } // namespace
+
+FileDescriptor makeTemporaryFile(const std::string &name)
+{
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    if (error) {
+        folder = "/tmp";
+    }
+    FileDescriptor file(system::openTemporary(folder.string()));
+    if (file.get() < 0) {
+        throw IoError(name, std::nullopt,
+                      "cannot make a temporary file in " + folder.string() + ": " + systemMessage(errno));
+    }
+    return file;
+}
 
 Stream::Stream(std::string name, std::uint64_t size) : name_(std::move(name)), size_(size)
 {
@@ -180,8 +174,7 @@ FileStream::Source FileStream::open(const std::string &path)
 {
     const bool isStandardInput = path == "-";
     const std::string name = isStandardInput ? "standard input" : path;
-    FileDescriptor file(isStandardInput ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)
-                                        : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    FileDescriptor file(isStandardInput ? system::openStandardInput() : system::openForReading(path));
     struct stat status {
     };
     if (file.get() < 0 || fstat(file.get(), &status) != 0) {
@@ -220,10 +213,7 @@ void FileStream::fillWindow(std::uint64_t position)
     nextFill_ = readsOn ? std::min(2 * nextFill_, largestFill) : smallestFill;
     windowStart_ = position;
     windowSize_ = 0;
-    ssize_t count = 0;
-    do {
-        count = pread(file_.get(), window_.get(), nextFill_, static_cast<off_t>(position));
-    } while (count < 0 && errno == EINTR);
+    const std::ptrdiff_t count = system::readAt(file_.get(), window_.get(), nextFill_, position);
     if (count < 0) {
         throw IoError(name(), position, "cannot read: " + systemMessage(errno));
     }

@@ -31,6 +31,7 @@ MifStoredStatement *makeStatement(MifContext *context, const char *value)
         return nullptr;
     }
     statement->property = mifFindProperty(statement->name);
+    statement->number = statement->property != nullptr ? statement->property->read(statement->value) : 0;
     return statement;
 }
 
@@ -44,6 +45,11 @@ MifFormatEntry *mifFindFormat(const MifFormatCatalog &catalog, const char *tag)
 
 MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, const char *tag)
 {
+    if (*tag == '\0' && catalog.nameless != nullptr) {
+        catalog.defining = catalog.nameless;
+        catalog.pending = 1;
+        return catalog.nameless;
+    }
     auto *entry = mifAllocateZeroed<MifFormatEntry>(context);
     MifStoredStatement *statement = entry != nullptr ? makeStatement(context, tag) : nullptr;
     if (statement == nullptr) {
@@ -51,25 +57,34 @@ MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, 
         return nullptr;
     }
     entry->statements.append(statement);
+    entry->statementCount = 1;
     catalog.entries.append(entry);
     catalog.tags.insert(entry, statement->value, strlen(statement->value));
     catalog.defining = entry;
     catalog.pending = 1;
+    if (*tag == '\0') {
+        catalog.nameless = entry;
+    }
     return entry;
 }
 
 int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog)
 {
+    MifFormatEntry *entry = catalog.defining;
     char *value = mifUnquotedValue(context);
-    if (value == nullptr) {
+    if (value == nullptr || entry->statementCount == mostStoredStatements) {
         return 0;
     }
     mifConvertString(context, value);
+    if (context->replay.readingStretch != 0) {
+        return 1; // stored when the table was read first; its other readings must not add to the memory
+    }
     MifStoredStatement *statement = makeStatement(context, value);
     if (statement == nullptr) {
         return 0;
     }
-    catalog.defining->statements.append(statement);
+    entry->statements.append(statement);
+    ++entry->statementCount;
     return 1;
 }
 
@@ -95,4 +110,5 @@ void mifFreeFormats(MifContext *context, MifFormatCatalog &catalog)
     }
     catalog.tags.clear();
     catalog.defining = nullptr;
+    catalog.nameless = nullptr;
 }

@@ -11,8 +11,8 @@ MifFormatEntry *mifFindFormat(const MifFormatCatalog &catalog, const char *tag);
 // name of the statement opened last. Returns the entry, or null when memory is exhausted: then nothing has changed.
 MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, const char *tag);
 
-// Appends the closing statement to the entry being defined. Returns 1, or 0 when it has no value or memory is
-// exhausted.
+// Appends the closing statement to the entry being defined. Returns 1, or 0 when it has no value, when the
+// entry has mostStoredStatements already, or when memory is exhausted.
 int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog);
 
 // Release a stored statement, an entry with its statements, and all entries of a catalog.

@@ -6,10 +6,13 @@
 #include "reader/statement.h"
 
 // Sets a property from the closing statement's value and notes a difference. Returns what the handler is to return.
-inline int mifSetDirectly(MifContext *context, MifPropertyFunction property)
+inline int mifSetDirectly(MifContext *context, const MifProperty &property)
 {
-    const char *value = mifUnquotedValue(context);
-    const MifChange change = value != nullptr ? property(context, value) : MifChange::failed;
+    const char *text = mifUnquotedValue(context);
+    if (text == nullptr) {
+        return 0;
+    }
+    const MifChange change = property.set(context, {text, property.read(text)});
     if (change == MifChange::differs) {
         context->formats.styleChanged = 1;
     }
@@ -17,7 +20,7 @@ inline int mifSetDirectly(MifContext *context, MifPropertyFunction property)
 }
 
 // Likewise for a mode.
-inline int mifSetModeDirectly(MifContext *context, MifPropertyFunction property)
+inline int mifSetModeDirectly(MifContext *context, const MifProperty &property)
 {
     MifFormatState &formats = context->formats;
     if (mifSetDirectly(context, property) == 0) {

@@ -9,19 +9,21 @@
 namespace
 {
 
-MifChange setFamilyDirectly(MifContext *context, const char *value)
+MifChange setFamilyDirectly(MifContext *context, MifPropertyValue value)
 {
     const MifFormatState &formats = context->formats;
     const MifChange change = mifSetFamily(context, value);
     if (formats.inPgfCatalog != 0 || formats.inFont != 0 || formats.fontCatalog.pending != 0 ||
         context->pages.inBodyText != 0) {
-        mifRegisterFont(context);
+        mifRegisterFont(context, value.number);
     }
     return change;
 }
 
+constexpr MifProperty directFamily = {mifReadFamilyClass, setFamilyDirectly};
+
 // Outside of body text a script position is not even read.
-int setScriptDirectly(MifContext *context, MifPropertyFunction property)
+int setScriptDirectly(MifContext *context, const MifProperty &property)
 {
     return context->pages.inBodyText != 0 ? mifSetModeDirectly(context, property) : 1;
 }
@@ -82,72 +84,72 @@ int mifFontStoreInformation(MifContext *context)
 
 int mifFWeight(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetWeightMode);
+    return mifSetModeDirectly(context, mifWeight);
 }
 
 int mifFSize(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetSize);
+    return mifSetDirectly(context, mifSize);
 }
 
 int mifFFamily(MifContext *context)
 {
-    return mifSetDirectly(context, setFamilyDirectly);
+    return mifSetDirectly(context, directFamily);
 }
 
 int mifFAngle(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetAngle);
+    return mifSetModeDirectly(context, mifAngle);
 }
 
 int mifFUnderlining(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetUnderlining);
+    return mifSetModeDirectly(context, mifUnderlining);
 }
 
 int mifFStrike(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetStrike);
+    return mifSetModeDirectly(context, mifStrike);
 }
 
 int mifFColor(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetColor);
+    return mifSetDirectly(context, mifColor);
 }
 
 int mifFPosition(MifContext *context)
 {
-    return setScriptDirectly(context, mifSetPosition);
+    return setScriptDirectly(context, mifPosition);
 }
 
 int mifFSubScript(MifContext *context)
 {
-    return setScriptDirectly(context, mifSetSubscript);
+    return setScriptDirectly(context, mifSubscript);
 }
 
 int mifFSupScript(MifContext *context)
 {
-    return setScriptDirectly(context, mifSetSuperscript);
+    return setScriptDirectly(context, mifSuperscript);
 }
 
 int mifFCase(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetCase);
+    return mifSetModeDirectly(context, mifCase);
 }
 
 int mifFPlain(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetPlain);
+    return mifSetModeDirectly(context, mifPlain);
 }
 
 int mifFBold(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetBold);
+    return mifSetModeDirectly(context, mifBold);
 }
 
 int mifFItalic(MifContext *context)
 {
-    return mifSetModeDirectly(context, mifSetItalic);
+    return mifSetModeDirectly(context, mifItalic);
 }
 
 void mifFreeFontCatalog(MifContext *context)

@@ -113,42 +113,42 @@ int mifPgfFont(MifContext * /*context*/)
 
 int mifPgfAlignment(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetAlignment);
+    return mifSetDirectly(context, mifAlignment);
 }
 
 int mifPgfLeading(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetLeading);
+    return mifSetDirectly(context, mifLeading);
 }
 
 int mifPgfFIndent(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetMeasurement<&MifParagraphStyle::firstIndent>);
+    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::firstIndent>);
 }
 
 int mifPgfLIndent(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetMeasurement<&MifParagraphStyle::leftIndent>);
+    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::leftIndent>);
 }
 
 int mifPgfRIndent(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetMeasurement<&MifParagraphStyle::rightIndent>);
+    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::rightIndent>);
 }
 
 int mifPgfSpBefore(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetMeasurement<&MifParagraphStyle::spaceBefore>);
+    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::spaceBefore>);
 }
 
 int mifPgfSpAfter(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetMeasurement<&MifParagraphStyle::spaceAfter>);
+    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::spaceAfter>);
 }
 
 int mifPgfNumTabs(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetTabCount);
+    return mifSetDirectly(context, mifTabCount);
 }
 
 int mifTabStop(MifContext * /*context*/)
@@ -158,12 +158,12 @@ int mifTabStop(MifContext * /*context*/)
 
 int mifTSX(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetTabPosition);
+    return mifSetDirectly(context, mifTabPosition);
 }
 
 int mifTSType(MifContext *context)
 {
-    return mifSetDirectly(context, mifSetTabKind);
+    return mifSetDirectly(context, mifTabKind);
 }
 
 void mifFreeParagraphCatalogs(MifContext *context)

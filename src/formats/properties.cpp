@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "formats/tab_stops.h"
 #include "mifreader/tokens.h"
@@ -10,8 +11,8 @@ namespace
 {
 
 struct Keyword {
-    const char *text;
-    uint32_t value;
+    std::string_view text;
+    int32_t value;
 };
 
 constexpr Keyword alignments[] = {
@@ -27,7 +28,7 @@ constexpr Keyword colors[] = {
     {"Cyan", 0x800080},  {"Magenta", 0xFF00FF}, {"Yellow", 0x00FFFF},
 };
 
-constexpr uint32_t black = 0;
+constexpr int32_t black = 0;
 
 // Parts of family names that tell the family's class, the first one found deciding.
 constexpr Keyword familyClasses[] = {
@@ -35,24 +36,53 @@ constexpr Keyword familyClasses[] = {
     {"Cursive", MIF_FONT_CLASS_SCRIPT}, {"Symbol", MIF_FONT_CLASS_DECORATIVE},
 };
 
+constexpr uint32_t scriptModes = MODE_SUPERSCRIPT | MODE_SUBSCRIPT;
+
+constexpr Keyword positions[] = {
+    {"FNormal", 0},
+    {"FSuperscript", MODE_SUPERSCRIPT},
+    {"FSubscript", MODE_SUBSCRIPT},
+};
+
+constexpr Keyword letterCases[] = {
+    {"FAsTyped", 0},
+    {"FLowerCase", 0},
+    {"FSmallCaps", MODE_SMALL_CAPS},
+    {"FUpperCase", MODE_UPPER_CASE},
+};
+
 // Leading in twips from which a line counts as spaced one and a half, and double.
 constexpr int32_t oneAndHalfLeading = 120;
 constexpr int32_t doubleLeading = 240;
+
+// What a value reads as that is none of the known ones; nothing is set then.
+constexpr int32_t noKeyword = -1;
+
+// The value of the keyword that the text is, or the other value.
+template <size_t count>
+int32_t readKeyword(const Keyword (&keywords)[count], std::string_view text, int32_t other)
+{
+    for (const Keyword &keyword : keywords) {
+        if (keyword.text == text) {
+            return keyword.value;
+        }
+    }
+    return other;
+}
 
 bool equal(const char *left, const char *right)
 {
     return strcmp(left, right) == 0;
 }
 
-template <size_t count>
-const Keyword *findKeyword(const Keyword (&keywords)[count], const char *text)
+int32_t isYes(const char *text)
 {
-    for (const Keyword &keyword : keywords) {
-        if (equal(keyword.text, text)) {
-            return &keyword;
-        }
-    }
-    return nullptr;
+    return equal(text, "Yes");
+}
+
+int32_t isTrue(const char *text)
+{
+    return equal(text, "True");
 }
 
 MifChange changeIf(bool differs)
@@ -64,6 +94,23 @@ MifChange switchMode(MifContext *context, uint32_t mode, bool on)
 {
     uint32_t &modes = context->formats.currentStyle.modes;
     modes = on ? modes | mode : modes & ~mode;
+    return MifChange::none;
+}
+
+template <uint32_t mode>
+MifChange setMode(MifContext *context, MifPropertyValue value)
+{
+    return switchMode(context, mode, value.number != 0);
+}
+
+// Two modes of which at most one is on; the value is the one, 0 for none, or noKeyword.
+template <uint32_t modes>
+MifChange setOneOf(MifContext *context, MifPropertyValue value)
+{
+    if (value.number != noKeyword) {
+        uint32_t &current = context->formats.currentStyle.modes;
+        current = (current & ~modes) | static_cast<uint32_t>(value.number);
+    }
     return MifChange::none;
 }
 
@@ -87,10 +134,11 @@ void leavePosition(MifParagraphStyle &style, uint32_t mode)
 }
 
 // Going over from one script position to the other keeps the size, which is reduced already.
-MifChange switchScript(MifContext *context, uint32_t mode, uint32_t otherMode, bool on)
+template <uint32_t mode, uint32_t otherMode>
+MifChange setScript(MifContext *context, MifPropertyValue value)
 {
     MifParagraphStyle &style = context->formats.currentStyle;
-    if (!on) {
+    if (value.number == 0) {
         leavePosition(style, mode);
         return MifChange::none;
     }
@@ -101,248 +149,230 @@ MifChange switchScript(MifContext *context, uint32_t mode, uint32_t otherMode, b
     return MifChange::none;
 }
 
-MifChange setStoredFamily(MifContext *context, const char *value)
+int32_t readAlignment(const char *text)
+{
+    return readKeyword(alignments, text, noKeyword);
+}
+
+MifChange setAlignment(MifContext *context, MifPropertyValue value)
+{
+    MifFormatState &formats = context->formats;
+    if (value.number != noKeyword) {
+        formats.currentStyle.alignment = value.number;
+    }
+    return changeIf(formats.currentStyle.alignment != formats.appliedStyle.alignment);
+}
+
+int32_t readLeading(const char *text)
+{
+    const int32_t leading = mifParseTwips(text);
+    return leading >= doubleLeading       ? MIF_SPACING_DOUBLE
+           : leading >= oneAndHalfLeading ? MIF_SPACING_ONE_AND_HALF
+                                          : MIF_SPACING_SINGLE;
+}
+
+MifChange setLeading(MifContext *context, MifPropertyValue value)
+{
+    MifFormatState &formats = context->formats;
+    formats.currentStyle.lineSpacing = static_cast<uint8_t>(value.number);
+    return changeIf(formats.currentStyle.lineSpacing != formats.appliedStyle.lineSpacing);
+}
+
+MifChange setSize(MifContext *context, MifPropertyValue value)
+{
+    MifFormatState &formats = context->formats;
+    formats.currentStyle.fontSize = value.number;
+    return changeIf(formats.currentStyle.fontSize != formats.appliedStyle.fontSize);
+}
+
+int32_t readColor(const char *text)
+{
+    return readKeyword(colors, text, black);
+}
+
+MifChange setColor(MifContext *context, MifPropertyValue value)
+{
+    MifFormatState &formats = context->formats;
+    formats.currentStyle.textColor = static_cast<uint32_t>(value.number);
+    return changeIf(formats.currentStyle.textColor != formats.appliedStyle.textColor);
+}
+
+// The weights that count as bold.
+int32_t isBold(const char *weight)
+{
+    return equal(weight, "Bold") || equal(weight, "Book") || equal(weight, "DemiBold");
+}
+
+int32_t isItalic(const char *angle)
+{
+    return equal(angle, "Italic");
+}
+
+int32_t isUnderlining(const char *text)
+{
+    return !equal(text, "FNoUnderlining") && !equal(text, "No");
+}
+
+int32_t readCase(const char *text)
+{
+    return readKeyword(letterCases, text, noKeyword);
+}
+
+int32_t readPosition(const char *text)
+{
+    return readKeyword(positions, text, noKeyword);
+}
+
+// A position set twice reduces the size twice.
+MifChange setPosition(MifContext *context, MifPropertyValue value)
+{
+    MifParagraphStyle &style = context->formats.currentStyle;
+    if (value.number == noKeyword) {
+        return MifChange::none;
+    }
+    const auto mode = static_cast<uint32_t>(value.number);
+    leavePosition(style, scriptModes & ~mode);
+    if (mode != 0) {
+        style.modes |= mode;
+        lowerFontSize(style);
+    }
+    return MifChange::none;
+}
+
+MifChange setPlain(MifContext *context, MifPropertyValue value)
+{
+    return value.number != 0 ? switchMode(context, MODE_BOLD | MODE_ITALIC, false) : MifChange::none;
+}
+
+MifChange setTabCount(MifContext *context, MifPropertyValue value)
+{
+    return mifProcessTabArrays(context, value.number) != 0 ? MifChange::none : MifChange::failed;
+}
+
+MifChange setTabPosition(MifContext *context, MifPropertyValue value)
+{
+    return mifStoreTabPosition(context, value.number) != 0 ? MifChange::none : MifChange::failed;
+}
+
+int32_t readTabKind(const char *text)
+{
+    return equal(text, "Center") ? MIF_TAB_CENTER : equal(text, "Right") ? MIF_TAB_RIGHT : MIF_TAB_LEFT;
+}
+
+MifChange setTabKind(MifContext *context, MifPropertyValue value)
+{
+    return mifStoreTabKind(context, value.number) != 0 ? MifChange::none : MifChange::failed;
+}
+
+MifChange setStoredFamily(MifContext *context, MifPropertyValue value)
 {
     const MifFormatState &formats = context->formats;
     const MifChange change = mifSetFamily(context, value);
     if (formats.inPgfCatalog != 0 || formats.fontCatalog.pending != 0 || context->pages.inBodyText != 0) {
-        mifRegisterFont(context);
+        mifRegisterFont(context, value.number);
     }
     return change;
 }
 
+constexpr MifProperty storedFamily = {mifReadFamilyClass, setStoredFamily};
+constexpr MifProperty storedItalic = {isTrue, setMode<MODE_ITALIC>}; // its keyword is True, not Yes
+constexpr MifProperty storedPosition = {readPosition, setOneOf<scriptModes>};
+
+} // namespace
+
+const MifProperty mifAlignment = {readAlignment, setAlignment};
+const MifProperty mifLeading = {readLeading, setLeading};
+const MifProperty mifSize = {mifParseInteger, setSize}; // whole points: a fraction and the unit are ignored
+const MifProperty mifColor = {readColor, setColor};
+const MifProperty mifWeight = {isBold, setMode<MODE_BOLD>};
+const MifProperty mifAngle = {isItalic, setMode<MODE_ITALIC>};
+const MifProperty mifUnderlining = {isUnderlining, setMode<MODE_UNDERLINE>};
+const MifProperty mifStrike = {isYes, setMode<MODE_STRIKE>};
+const MifProperty mifCase = {readCase, setOneOf<MODE_SMALL_CAPS | MODE_UPPER_CASE>};
+const MifProperty mifPlain = {isYes, setPlain};
+const MifProperty mifBold = {isYes, setMode<MODE_BOLD>};
+const MifProperty mifItalic = {isYes, setMode<MODE_ITALIC>};
+const MifProperty mifPosition = {readPosition, setPosition};
+const MifProperty mifSuperscript = {isYes, setScript<MODE_SUPERSCRIPT, MODE_SUBSCRIPT>};
+const MifProperty mifSubscript = {isYes, setScript<MODE_SUBSCRIPT, MODE_SUPERSCRIPT>};
+const MifProperty mifTabCount = {mifParseInteger, setTabCount};
+const MifProperty mifTabPosition = {mifParseTwips, setTabPosition};
+const MifProperty mifTabKind = {readTabKind, setTabKind};
+
+namespace
+{
+
 struct StoredProperty {
     const char *name;
-    MifPropertyFunction function;
+    const MifProperty *property;
 };
 
 constexpr StoredProperty storedProperties[] = {
-    {"PgfAlignment", mifSetAlignment},
-    {"PgfFIndent", mifSetMeasurement<&MifParagraphStyle::firstIndent>},
-    {"PgfLIndent", mifSetMeasurement<&MifParagraphStyle::leftIndent>},
-    {"PgfRIndent", mifSetMeasurement<&MifParagraphStyle::rightIndent>},
-    {"PgfLeading", mifSetLeading},
-    {"PgfSpBefore", mifSetMeasurement<&MifParagraphStyle::spaceBefore>},
-    {"PgfSpAfter", mifSetMeasurement<&MifParagraphStyle::spaceAfter>},
-    {"PgfNumTabs", mifSetTabCount},
-    {"TSX", mifSetTabPosition},
-    {"TSType", mifSetTabKind},
-    {"FFamily", setStoredFamily},
-    {"FWeight", mifSetWeightMode},
-    {"FSize", mifSetSize},
-    {"FAngle", mifSetAngle},
-    {"FUnderlining", mifSetUnderlining},
-    {"FUnderline", mifSetUnderlining},
-    {"FStrike", mifSetStrike},
-    {"FColor", mifSetColor},
-    {"FPosition", mifSetStoredPosition},
-    {"FSubScript", mifSetSubscript},
-    {"FSupScript", mifSetSuperscript},
-    {"FCase", mifSetCase},
-    {"FPlain", mifSetPlain},
-    {"FBold", mifSetBold},
-    {"FItalic", mifSetStoredItalic},
+    {"PgfAlignment", &mifAlignment},
+    {"PgfFIndent", &mifMeasurement<&MifParagraphStyle::firstIndent>},
+    {"PgfLIndent", &mifMeasurement<&MifParagraphStyle::leftIndent>},
+    {"PgfRIndent", &mifMeasurement<&MifParagraphStyle::rightIndent>},
+    {"PgfLeading", &mifLeading},
+    {"PgfSpBefore", &mifMeasurement<&MifParagraphStyle::spaceBefore>},
+    {"PgfSpAfter", &mifMeasurement<&MifParagraphStyle::spaceAfter>},
+    {"PgfNumTabs", &mifTabCount},
+    {"TSX", &mifTabPosition},
+    {"TSType", &mifTabKind},
+    {"FFamily", &storedFamily},
+    {"FWeight", &mifWeight},
+    {"FSize", &mifSize},
+    {"FAngle", &mifAngle},
+    {"FUnderlining", &mifUnderlining},
+    {"FUnderline", &mifUnderlining},
+    {"FStrike", &mifStrike},
+    {"FColor", &mifColor},
+    {"FPosition", &storedPosition},
+    {"FSubScript", &mifSubscript},
+    {"FSupScript", &mifSuperscript},
+    {"FCase", &mifCase},
+    {"FPlain", &mifPlain},
+    {"FBold", &mifBold},
+    {"FItalic", &storedItalic},
 };
 
 } // namespace
 
-MifPropertyFunction mifFindProperty(const char *name)
+const MifProperty *mifFindProperty(const char *name)
 {
-    for (const StoredProperty &property : storedProperties) {
-        if (equal(property.name, name)) {
-            return property.function;
+    for (const StoredProperty &stored : storedProperties) {
+        if (equal(stored.name, name)) {
+            return stored.property;
         }
     }
     return nullptr;
 }
 
-MifChange mifSetAlignment(MifContext *context, const char *value)
+int32_t mifReadFamilyClass(const char *family)
 {
-    MifFormatState &formats = context->formats;
-    if (const Keyword *alignment = findKeyword(alignments, value)) {
-        formats.currentStyle.alignment = static_cast<int32_t>(alignment->value);
+    const std::string_view name(family, strnlen(family, sizeof(MifParagraphStyle::fontFamily) - 1));
+    for (const Keyword &familyClass : familyClasses) {
+        if (name.find(familyClass.text) != std::string_view::npos) {
+            return familyClass.value;
+        }
     }
-    return changeIf(formats.currentStyle.alignment != formats.appliedStyle.alignment);
+    return MIF_FONT_CLASS_UNKNOWN;
 }
 
-MifChange mifSetLeading(MifContext *context, const char *value)
-{
-    MifFormatState &formats = context->formats;
-    const int32_t leading = mifParseTwips(value);
-    formats.currentStyle.lineSpacing = leading >= doubleLeading       ? MIF_SPACING_DOUBLE
-                                       : leading >= oneAndHalfLeading ? MIF_SPACING_ONE_AND_HALF
-                                                                      : MIF_SPACING_SINGLE;
-    return changeIf(formats.currentStyle.lineSpacing != formats.appliedStyle.lineSpacing);
-}
-
-// Whole points: a fraction and the unit are ignored.
-MifChange mifSetSize(MifContext *context, const char *value)
-{
-    MifFormatState &formats = context->formats;
-    formats.currentStyle.fontSize = mifParseInteger(value);
-    return changeIf(formats.currentStyle.fontSize != formats.appliedStyle.fontSize);
-}
-
-MifChange mifSetFamily(MifContext *context, const char *value)
+MifChange mifSetFamily(MifContext *context, MifPropertyValue value)
 {
     MifFormatState &formats = context->formats;
     char(&family)[sizeof(formats.currentStyle.fontFamily)] = formats.currentStyle.fontFamily;
-    const size_t length = std::min(strlen(value), sizeof(family) - 1);
-    memcpy(family, value, length);
+    const size_t length = std::min(strlen(value.text), sizeof(family) - 1);
+    memcpy(family, value.text, length);
     family[length] = '\0';
     return changeIf(!equal(family, formats.appliedStyle.fontFamily));
 }
 
-MifChange mifSetColor(MifContext *context, const char *value)
-{
-    MifFormatState &formats = context->formats;
-    const Keyword *color = findKeyword(colors, value);
-    formats.currentStyle.textColor = color != nullptr ? color->value : black;
-    return changeIf(formats.currentStyle.textColor != formats.appliedStyle.textColor);
-}
-
-MifChange mifSetWeightMode(MifContext *context, const char *value)
-{
-    mifSetWeight(context, value);
-    return MifChange::none;
-}
-
-MifChange mifSetAngle(MifContext *context, const char *value)
-{
-    return switchMode(context, MODE_ITALIC, equal(value, "Italic"));
-}
-
-MifChange mifSetUnderlining(MifContext *context, const char *value)
-{
-    return switchMode(context, MODE_UNDERLINE, !equal(value, "FNoUnderlining") && !equal(value, "No"));
-}
-
-MifChange mifSetStrike(MifContext *context, const char *value)
-{
-    return switchMode(context, MODE_STRIKE, equal(value, "Yes"));
-}
-
-MifChange mifSetCase(MifContext *context, const char *value)
-{
-    if (equal(value, "FAsTyped") || equal(value, "FLowerCase")) {
-        return switchMode(context, MODE_SMALL_CAPS | MODE_UPPER_CASE, false);
-    }
-    if (equal(value, "FSmallCaps")) {
-        switchMode(context, MODE_UPPER_CASE, false);
-        return switchMode(context, MODE_SMALL_CAPS, true);
-    }
-    if (equal(value, "FUpperCase")) {
-        switchMode(context, MODE_SMALL_CAPS, false);
-        return switchMode(context, MODE_UPPER_CASE, true);
-    }
-    return MifChange::none;
-}
-
-MifChange mifSetPlain(MifContext *context, const char *value)
-{
-    return equal(value, "Yes") ? switchMode(context, MODE_BOLD | MODE_ITALIC, false) : MifChange::none;
-}
-
-MifChange mifSetBold(MifContext *context, const char *value)
-{
-    return switchMode(context, MODE_BOLD, equal(value, "Yes"));
-}
-
-MifChange mifSetItalic(MifContext *context, const char *value)
-{
-    return switchMode(context, MODE_ITALIC, equal(value, "Yes"));
-}
-
-MifChange mifSetStoredItalic(MifContext *context, const char *value)
-{
-    return switchMode(context, MODE_ITALIC, equal(value, "True"));
-}
-
-// A position set twice reduces the size twice.
-MifChange mifSetPosition(MifContext *context, const char *value)
-{
-    MifParagraphStyle &style = context->formats.currentStyle;
-    if (equal(value, "FNormal")) {
-        leavePosition(style, MODE_SUPERSCRIPT);
-        leavePosition(style, MODE_SUBSCRIPT);
-    } else if (equal(value, "FSuperscript")) {
-        leavePosition(style, MODE_SUBSCRIPT);
-        style.modes |= MODE_SUPERSCRIPT;
-        lowerFontSize(style);
-    } else if (equal(value, "FSubscript")) {
-        leavePosition(style, MODE_SUPERSCRIPT);
-        style.modes |= MODE_SUBSCRIPT;
-        lowerFontSize(style);
-    }
-    return MifChange::none;
-}
-
-MifChange mifSetStoredPosition(MifContext *context, const char *value)
-{
-    if (equal(value, "FNormal")) {
-        return switchMode(context, MODE_SUPERSCRIPT | MODE_SUBSCRIPT, false);
-    }
-    if (equal(value, "FSuperscript")) {
-        switchMode(context, MODE_SUBSCRIPT, false);
-        return switchMode(context, MODE_SUPERSCRIPT, true);
-    }
-    if (equal(value, "FSubscript")) {
-        switchMode(context, MODE_SUPERSCRIPT, false);
-        return switchMode(context, MODE_SUBSCRIPT, true);
-    }
-    return MifChange::none;
-}
-
-MifChange mifSetSuperscript(MifContext *context, const char *value)
-{
-    return switchScript(context, MODE_SUPERSCRIPT, MODE_SUBSCRIPT, equal(value, "Yes"));
-}
-
-MifChange mifSetSubscript(MifContext *context, const char *value)
-{
-    return switchScript(context, MODE_SUBSCRIPT, MODE_SUPERSCRIPT, equal(value, "Yes"));
-}
-
-MifChange mifSetTabCount(MifContext *context, const char *value)
-{
-    return mifProcessTabArrays(context, mifParseInteger(value)) != 0 ? MifChange::none : MifChange::failed;
-}
-
-MifChange mifSetTabPosition(MifContext *context, const char *value)
-{
-    MifParagraphStyle &style = context->formats.currentStyle;
-    if (style.tabPositionsFilled < style.tabCount) {
-        style.tabPositions[style.tabPositionsFilled++] = mifParseTwips(value);
-    }
-    return MifChange::none;
-}
-
-MifChange mifSetTabKind(MifContext *context, const char *value)
-{
-    MifParagraphStyle &style = context->formats.currentStyle;
-    if (style.tabKindsFilled < style.tabCount) {
-        style.tabKinds[style.tabKindsFilled++] = equal(value, "Center")  ? MIF_TAB_CENTER
-                                                 : equal(value, "Right") ? MIF_TAB_RIGHT
-                                                                         : MIF_TAB_LEFT;
-    }
-    return MifChange::none;
-}
-
-void mifSetWeight(MifContext *context, const char *weight)
-{
-    switchMode(context, MODE_BOLD, equal(weight, "Bold") || equal(weight, "Book") || equal(weight, "DemiBold"));
-}
-
-void mifRegisterFont(MifContext *context)
+void mifRegisterFont(MifContext *context, int32_t familyClass)
 {
     MifParagraphStyle &style = context->formats.currentStyle;
     MifFontRecord record = {};
-    for (const Keyword &familyClass : familyClasses) {
-        if (strstr(style.fontFamily, familyClass.text) != nullptr) {
-            record.familyClass = static_cast<uint8_t>(familyClass.value);
-            break;
-        }
-    }
+    record.familyClass = static_cast<uint8_t>(familyClass);
     memcpy(record.faceName, style.fontFamily, strnlen(style.fontFamily, sizeof(record.faceName) - 1));
     const MifHostState &host = context->host;
     const uint32_t number =

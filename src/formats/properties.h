@@ -1,56 +1,57 @@
-// The properties of a format: one function each, which parses a value and sets its field of currentStyle.
+// The properties of a format: one record each, with a function that reads a value and one that sets it in currentStyle.
 //
-// The statement's own handler and the selecting of a stored format both go through these functions; where the two
-// differ, there are two functions, side by side.
+// The statement's own handler and the selecting of a stored format both go through these records; where the two differ,
+// there are two of them, side by side.
 #ifndef MIFREADER_SRC_FORMATS_PROPERTIES_H
 #define MIFREADER_SRC_FORMATS_PROPERTIES_H
 
 #include "reader/context.h"
 #include "reader/units.h"
 
-// What selecting a format does with a stored statement of that name; null for nothing.
-MifPropertyFunction mifFindProperty(const char *name);
+// The property that selecting a format sets from a stored statement of that name; null for none.
+const MifProperty *mifFindProperty(const char *name);
 
 // Compared with appliedStyle at once.
-MifChange mifSetAlignment(MifContext *context, const char *value);
-MifChange mifSetLeading(MifContext *context, const char *value);
-MifChange mifSetSize(MifContext *context, const char *value);
-MifChange mifSetFamily(MifContext *context, const char *value); // does not announce it
-MifChange mifSetColor(MifContext *context, const char *value);
+extern const MifProperty mifAlignment;
+extern const MifProperty mifLeading;
+extern const MifProperty mifSize;
+extern const MifProperty mifColor;
 
 template <int32_t MifParagraphStyle::*field>
-MifChange mifSetMeasurement(MifContext *context, const char *value)
+MifChange mifSetMeasurement(MifContext *context, MifPropertyValue value)
 {
     MifFormatState &formats = context->formats;
-    formats.currentStyle.*field = mifParseTwips(value);
-    return formats.currentStyle.*field != formats.appliedStyle.*field ? MifChange::differs : MifChange::none;
+    formats.currentStyle.*field = value.number;
+    return value.number != formats.appliedStyle.*field ? MifChange::differs : MifChange::none;
 }
 
-// Modes. They are compared together, by whoever sets them; the functions return none.
-MifChange mifSetWeightMode(MifContext *context, const char *value);
-MifChange mifSetAngle(MifContext *context, const char *value);
-MifChange mifSetUnderlining(MifContext *context, const char *value);
-MifChange mifSetStrike(MifContext *context, const char *value);
-MifChange mifSetCase(MifContext *context, const char *value);
-MifChange mifSetPlain(MifContext *context, const char *value);
-MifChange mifSetBold(MifContext *context, const char *value);
-MifChange mifSetItalic(MifContext *context, const char *value);
-MifChange mifSetStoredItalic(MifContext *context, const char *value);   // its keyword is True, not Yes
-MifChange mifSetPosition(MifContext *context, const char *value);       // scales the font size
-MifChange mifSetStoredPosition(MifContext *context, const char *value); // leaves the font size
-MifChange mifSetSuperscript(MifContext *context, const char *value);    // both scale the font size
-MifChange mifSetSubscript(MifContext *context, const char *value);
+template <int32_t MifParagraphStyle::*field>
+inline constexpr MifProperty mifMeasurement = {mifParseTwips, mifSetMeasurement<field>};
+
+// Modes. They are compared together, by whoever sets them.
+extern const MifProperty mifWeight;
+extern const MifProperty mifAngle;
+extern const MifProperty mifUnderlining;
+extern const MifProperty mifStrike;
+extern const MifProperty mifCase;
+extern const MifProperty mifPlain;
+extern const MifProperty mifBold;
+extern const MifProperty mifItalic;
+extern const MifProperty mifPosition;    // scales the font size; the stored one does not
+extern const MifProperty mifSuperscript; // both scale the font size
+extern const MifProperty mifSubscript;
 
 // Tab stops, which are compared only when a format is written.
-MifChange mifSetTabCount(MifContext *context, const char *value);
-MifChange mifSetTabPosition(MifContext *context, const char *value);
-MifChange mifSetTabKind(MifContext *context, const char *value);
+extern const MifProperty mifTabCount;
+extern const MifProperty mifTabPosition;
+extern const MifProperty mifTabKind;
 
-// Bold for the weights that count as bold.
-void mifSetWeight(MifContext *context, const char *weight);
+// The class of a font family, a MIF_FONT_CLASS value, and the setting of the family, which does not announce it.
+int32_t mifReadFamilyClass(const char *family);
+MifChange mifSetFamily(MifContext *context, MifPropertyValue value);
 
-// Announces fontFamily to the host and takes over the number that the host gives it.
-void mifRegisterFont(MifContext *context);
+// Announces fontFamily, which is of that class, to the host and takes over the number that the host gives it.
+void mifRegisterFont(MifContext *context, int32_t familyClass);
 
 // A font size scaled by numerator / denominator, saturated.
 int32_t mifScaleFontSize(int32_t size, int32_t numerator, int32_t denominator);

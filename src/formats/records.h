@@ -17,20 +17,34 @@ enum class MifChange {
     failed   // memory is exhausted
 };
 
-// Sets a property from a statement's unquoted value.
-using MifPropertyFunction = MifChange (*)(MifContext *context, const char *value);
+// A statement's unquoted value, and the number that its property reads in it: a measurement, a color, a mode's state.
+struct MifPropertyValue {
+    const char *text;
+    int32_t number;
+};
+
+// Reading a property and setting it are two steps, because a format is defined once and selected often.
+struct MifProperty {
+    int32_t (*read)(const char *text);
+    MifChange (*set)(MifContext *context, MifPropertyValue value);
+};
 
 // One statement of a format's definition. Name and value are owned copies, the value without quotes and escapes.
 struct MifStoredStatement {
     char *name;
     char *value;
-    MifPropertyFunction property; // what selecting the format does with it; null for nothing
+    int32_t number;              // what the property has read in the value
+    const MifProperty *property; // what selecting the format sets; null for nothing
     MifStoredStatement *next;
 };
+
+// Selecting a format carries all of its statements out: without a bound a document could have that done without end.
+inline constexpr uint32_t mostStoredStatements = 4096;
 
 // A named format: the statements that defined it, in their order; the first is the tag.
 struct MifFormatEntry : MifIndexNode {
     MifList<MifStoredStatement> statements;
+    uint32_t statementCount;
     MifFormatEntry *next;
 };
 
@@ -38,6 +52,7 @@ struct MifFormatCatalog {
     MifList<MifFormatEntry> entries; // in the order of their creation
     MifIndex tags;
     MifFormatEntry *defining; // the entry made last, which receives the statements while pending
+    MifFormatEntry *nameless; // no tag selects it, so that one is enough; null for none
     uint32_t pending;         // an entry has been made and its definition is being stored
 };
 

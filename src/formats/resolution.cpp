@@ -14,7 +14,7 @@ int mifPgfSetParagraphStyle(MifContext *context)
         if (statement->property == nullptr) {
             continue;
         }
-        const MifChange change = statement->property(context, statement->value);
+        const MifChange change = statement->property->set(context, {statement->value, statement->number});
         if (change == MifChange::failed) {
             return 0;
         }

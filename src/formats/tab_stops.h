@@ -1,5 +1,8 @@
 // Tab stops. Positions and kinds are two arrays, filled in the order in which each arrives and not by the stop that
 // holds them.
+//
+// The document says how many stops there are before it gives them. The arrays grow with those that come, so that no
+// number takes more memory than the text behind it.
 #ifndef MIFREADER_SRC_FORMATS_TAB_STOPS_H
 #define MIFREADER_SRC_FORMATS_TAB_STOPS_H
 
@@ -7,15 +10,19 @@
 
 #include "reader/context.h"
 
-// Two cleared arrays of `count` entries. Returns false, with both null, when memory is exhausted.
-bool mifAllocateTabArrays(MifContext *context, MifParagraphStyle &style, int32_t count);
+bool mifSameTabStops(const MifParagraphStyle &left, const MifParagraphStyle &right);
 
-// Gives the style's arrays back; it then has no stops.
-void mifReleaseTabArrays(MifContext *context, MifParagraphStyle &style);
+// Gives `to` the stops of `from`. Returns false, and `to` then has none, when memory is exhausted.
+bool mifCopyTabStops(MifContext *context, const MifParagraphStyle &from, MifParagraphStyle &to);
 
 // Makes currentStyle ready for `count` stops: the ones it has stay if their number is the same. Returns 1, or 0, and
-// then there are no stops, when count is negative or memory is exhausted.
+// then there are no stops, when count is negative.
 int mifProcessTabArrays(MifContext *context, int32_t count);
+
+// The next position, in twips, or kind, a MIF_TAB value, of currentStyle. One too many is dropped. Returns 1, or 0 when
+// memory is exhausted.
+int mifStoreTabPosition(MifContext *context, int32_t position);
+int mifStoreTabKind(MifContext *context, int32_t kind);
 
 // Releases the stops of both styles.
 void mifFreeTabArrays(MifContext *context);

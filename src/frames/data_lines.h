@@ -39,7 +39,7 @@ inline bool mifDecodeData(const char *&position, const char *end, uint32_t &hexM
     if (mifNewLine(*position) || *position == '=') {
         return false;
     }
-    byte = mifConvertASCIIToHex(static_cast<uint8_t>(*first), static_cast<uint8_t>(*position++), 0);
+    byte = mifHexByte(static_cast<uint8_t>(*first), static_cast<uint8_t>(*position++));
     return true;
 }
 

@@ -24,19 +24,26 @@ int mifFrameType(MifContext * /*context*/)
     return 1;
 }
 
-// Every ID inside a frame, at any depth, makes a record.
+// Every ID inside a frame, at any depth, makes a record. Only the first one with an ID is ever found, so no other one
+// is kept: a table read again at each anchor must not add to the memory.
 int mifFrameID(MifContext *context)
 {
     const char *value = mifUnquotedValue(context);
     if (value == nullptr) {
         return 0;
     }
+    MifFrameState &frames = context->frames;
+    const int32_t id = mifParseInteger(value);
+    if (mifFindFrame(context, id) != nullptr) {
+        frames.currentFrame = &frames.unframed;
+        mifClearUnframed(context);
+        return 1;
+    }
     auto *frame = mifAllocateZeroed<MifFrameRecord>(context);
     if (frame == nullptr) {
         return 0;
     }
-    MifFrameState &frames = context->frames;
-    frame->id = mifParseInteger(value);
+    frame->id = id;
     frames.frameList.append(frame);
     frames.frameIDs.insert(frame, reinterpret_cast<const char *>(&frame->id), sizeof(frame->id));
     frames.currentFrame = frame;
@@ -47,6 +54,14 @@ MifFrameRecord *mifFindFrame(const MifContext *context, int32_t id)
 {
     return static_cast<MifFrameRecord *>(
         context->frames.frameIDs.find(reinterpret_cast<const char *>(&id), sizeof(id)));
+}
+
+void mifClearUnframed(MifContext *context)
+{
+    MifFrameRecord &unframed = context->frames.unframed;
+    mifRelease(context, unframed.facetName);
+    mifRelease(context, unframed.fileName);
+    unframed = {};
 }
 
 // One inside an imported object replaces the frame's own.

@@ -16,6 +16,9 @@ int mifAFrame(MifContext *context);
 // The handler of an ID inside a frame: makes the frame's record, which becomes the current one.
 int mifFrameID(MifContext *context);
 
+// Makes the frame that stands in for others a new one.
+void mifClearUnframed(MifContext *context);
+
 // The first frame with that ID, or null.
 MifFrameRecord *mifFindFrame(const MifContext *context, int32_t id);
 

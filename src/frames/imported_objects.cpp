@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "frames/data_lines.h"
+#include "frames/frames.h"
 #include "reader/host_memory.h"
 #include "reader/statement.h"
 
@@ -37,6 +38,7 @@ private:
     bool data();
     bool marker();
     bool dataLine();
+    bool plainLines();
     bool restOfLine();
     void ordinaryByte();
     void beginLine();
@@ -125,7 +127,7 @@ void ObjectScan::beginLine()
 // The end of the line that the position is in: its line-end byte, or the end of the stretch.
 char *ObjectScan::lineEnd() const
 {
-    return std::find_if(position_, end_, mifNewLine);
+    return mifFindLineEnd(position_, end_);
 }
 
 void ObjectScan::passLineEnd()
@@ -201,6 +203,9 @@ bool ObjectScan::data()
     if (object.skipData != 0) {
         return restOfLine();
     }
+    if (position_ == line_ && object.dataStart != 0 && plainLines()) {
+        return true;
+    }
     if (end_ - position_ < 3) { // `&`, `%` and its character, or the end of the line
         return false;
     }
@@ -253,6 +258,38 @@ bool ObjectScan::dataLine()
     if (mifNewLine(*close)) {
         passLineEnd();
     }
+    return true;
+}
+
+// The data lines from the position on, as far as none needs a closer look: most of an object's data are lines without
+// escapes, whose bytes, or pairs of digits, need only be counted. False when there is no such line.
+bool ObjectScan::plainLines()
+{
+    const char *stop = end_;
+    const auto find = [&stop](const char *from, char byte) {
+        return static_cast<const char *>(memchr(from, byte, static_cast<size_t>(stop - from)));
+    };
+    for (const char byte : {'\\', '=', '\r'}) {
+        const char *found = find(position_, byte);
+        stop = found != nullptr ? found : stop;
+    }
+    const char *line = position_;
+    ptrdiff_t count = 0;
+    const int shift = frames_.hexMode != 0 ? 1 : 0;
+    while (stop - line > 1 && *line == '&' && line[1] != '%') {
+        const char *close = find(line, '\n');
+        if (close == nullptr) {
+            break;
+        }
+        count += (close - line - 1) >> shift;
+        line = close + 1;
+    }
+    if (line == position_) {
+        return false;
+    }
+    frame_.object.dataLength += static_cast<int32_t>(count);
+    position_ += line - position_;
+    beginLine();
     return true;
 }
 
@@ -359,8 +396,7 @@ void mifFreeImportObjects(MifContext *context)
         mifRelease(context, frame->fileName);
         mifRelease(context, frame);
     }
-    mifRelease(context, frames.unframed.facetName);
-    frames.unframed.facetName = nullptr;
+    mifClearUnframed(context);
     frames.frameIDs.clear();
     frames.currentFrame = nullptr;
     frames.file.frame = nullptr;

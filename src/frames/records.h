@@ -60,7 +60,8 @@ struct MifFrameState {
     int32_t insetDepth;           // open brackets of the object being scanned, its own included
     uint32_t hexMode;             // of that scan
     uint32_t scanCut;             // a stretch ended inside the scan; it goes on with the next one
-    MifFrameRecord unframed;      // stands in for currentFrame while an object without a frame is scanned
+    MifFrameRecord unframed;      // stands in for currentFrame where no anchor finds it: for an object without a
+                                  // frame, and for a frame whose ID was there before
     MifObjectFile file;
 };
 

@@ -18,7 +18,7 @@ int32_t percentDone(const MifContext *context, bool atEnd)
     const MifReplayState &replay = context->replay;
     int64_t percent = 100;
     if (!atEnd && source.totalSize > 0) {
-        percent = std::clamp<int64_t>(int64_t{source.filePosition} * 100 / source.totalSize, 0, 100);
+        percent = std::clamp<int64_t>(int64_t{mifFilePosition(context)} * 100 / source.totalSize, 0, 100);
     }
     if (replay.suspendPending != 0 || replay.readingStretch != 0 || !context->output.queue.empty()) {
         percent = std::min<int64_t>(percent, 99);

@@ -32,7 +32,7 @@ char *takeComment(MifContext *context, char *position, char *end)
     while (position < end && mifIsWhiteSpace(*position) && !mifNewLine(*position)) {
         ++position;
     }
-    char *lineEnd = std::find_if(position, end, mifNewLine);
+    char *lineEnd = mifFindLineEnd(position, end);
     char *comment = mifCopyBytes(context, position, static_cast<size_t>(lineEnd - position));
     mifFreeHeader(context);
     context->header.comment = comment;
@@ -59,7 +59,6 @@ int mifMIFFile(MifContext *context)
     if (position < end && *position == '#') {
         position = std::find_if_not(takeComment(context, position, end), end, mifIsWhiteSpace);
     }
-    source.filePosition += static_cast<int32_t>(position - begin);
     source.scanPosition = position;
     return 1;
 }

@@ -41,13 +41,17 @@ struct MifOutputState {
     uint8_t *outputPosition;
     uint8_t *outputEnd;
     uint32_t bufferSize;
-    uint32_t outputLimit; // bytes after which no step is begun: nine tenths of the buffer
-    uint32_t outputFull;  // the last fill call stopped at the limit, in the middle of a stretch
-    uint32_t failed;      // the stream has a gap: memory was exhausted, or a token is larger than the buffer
+    uint32_t outputLimit;  // bytes after which no step is begun: nine tenths of the buffer
+    uint8_t *stopPosition; // where the limit is; outputStart when a token waits or is lost, so that one test tells all
+    uint32_t outputFull;   // the last fill call stopped at the limit, in the middle of a stretch
+    uint32_t failed;       // the stream has a gap: memory was exhausted, or a token is larger than the buffer
     MifList<MifQueuedToken> queue;
 };
 
 inline constexpr int32_t sourceBufferSize = 4096;
+
+// How far behind the text bytes are looked at, with what an earlier stretch has left there.
+inline constexpr int32_t sourceBufferMargin = 16;
 
 // The stretch of text that is being scanned:
 //
@@ -56,13 +60,15 @@ inline constexpr int32_t sourceBufferSize = 4096;
 //
 // buffer <= scanPosition <= bufferEnd <= buffer + sourceBufferSize, always. When carryLength is not 0, the carryLength
 // bytes from scanPosition to bufferEnd are an unfinished statement that the next read moves to the front.
+//
+// At bufferEnd, behind the text, stands a `>`: it ends names, blanks and values, so that what looks for their end need
+// not look for the end of the text as well.
 struct MifSourceState {
-    char buffer[sourceBufferSize];
+    char buffer[sourceBufferSize + sourceBufferMargin];
     char *scanPosition;
     char *bufferEnd;
     int32_t carryLength;
-    int32_t bytesRead;    // taken from the stream so far, never more than totalSize
-    int32_t filePosition; // document offset of the step in progress; stands still while a table is replayed
+    int32_t bytesRead; // taken from the stream so far, never more than totalSize
     int32_t totalSize;
     uint32_t firstCall; // the next fill call is the document's first one
 };
@@ -110,8 +116,24 @@ struct MifLookupEntry {
 
 inline constexpr uint32_t statementBucketCount = 41;
 
+// A name of up to 16 bytes as two words, zeros behind it, and the row that was found for it; null for none yet.
+struct MifRecentName {
+    uint64_t first;
+    uint64_t second;
+    const MifStatementEntry *row;
+};
+
+// The two names met last of those whose words give the same place.
+struct MifRecentNames {
+    MifRecentName newer;
+    MifRecentName older;
+};
+
+inline constexpr int recentNamesBits = 7;
+
 struct MifDispatchState {
     MifLookupEntry *statementBuckets[statementBucketCount];
+    MifRecentNames recentNames[1 << recentNamesBits];
 };
 
 #endif

@@ -1,5 +1,6 @@
 #include "reader/replay.h"
 
+#include "reader/source.h"
 #include "reader/statement.h"
 
 namespace
@@ -20,7 +21,7 @@ int mifSuspendCurrentBuffer(MifContext *context)
 {
     MifSourceState &source = context->source;
     MifReplayState &replay = context->replay;
-    replay.savedPosition = source.filePosition;
+    replay.savedPosition = mifFilePosition(context);
     replay.savedStatement = context->scanner.statementStack;
     source.bytesRead -= static_cast<int32_t>(source.bufferEnd - source.scanPosition);
     moveStream(context, replay.startPosition);

@@ -1,6 +1,5 @@
 #include "reader/scanner.h"
 
-#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -18,14 +17,44 @@
 namespace
 {
 
-// Long enough for every name that has a row; a longer name is cut and so matches none.
-constexpr size_t nameBufferSize = 80;
-
 // MIF's own macro and include statements are not carried out, only reported.
 constexpr std::string_view defineWord = "define";
 constexpr std::string_view includeWord = "include";
 constexpr std::string_view defineNotice = "define macro statement encountered";
 constexpr std::string_view includeNotice = "include statment encountered";
+
+// While a format's definition is being stored, its statements are kept instead of being carried out.
+MifStatementHandler handlerOf(const MifContext *context, const MifStatementEntry &row)
+{
+    const MifFormatState &formats = context->formats;
+    if (formats.inPgf != 0 && formats.pgfCatalog.pending != 0 && row.handler != mifPgfFont &&
+        row.handler != mifTabStop) {
+        return mifPgfStoreInformation;
+    }
+    if (formats.inFont != 0 && formats.fontCatalog.pending != 0) {
+        return mifFontStoreInformation;
+    }
+    return row.handler;
+}
+
+// Opens a statement and raises its inside flag. Returns false when memory is exhausted.
+bool mifProcessStartTag(MifContext *context, const MifStatementEntry &row, char *valueStart)
+{
+    MifScannerState &scanner = context->scanner;
+    if (mifPushStatement(context, handlerOf(context, row), valueStart) == nullptr) {
+        return false;
+    }
+    scanner.insideFlag = nullptr;
+    if (row.insideFlag != nullptr) {
+        scanner.insideFlag = &row.insideFlag(*context);
+        scanner.insideFlagBefore = *scanner.insideFlag;
+        *scanner.insideFlag = 1;
+    }
+    if (row.handler == mifTbl) {
+        context->tables.tableStartPosition = mifFilePosition(context);
+    }
+    return true;
+}
 
 enum class Step {
     next, // the step is complete; go on at the scan position
@@ -33,8 +62,7 @@ enum class Step {
     fail  // stop, and the document with it
 };
 
-// One run over the stretch. Each step begins at the scan position and leaves it behind what it has taken up; the file
-// position moves along with it.
+// One run over the stretch. Each step begins at the scan position and leaves it behind what it has taken up.
 class Scan
 {
 public:
@@ -50,7 +78,6 @@ private:
     Step value(char *cursor);
     Step quotedValue(char *cursor);
     Step closeValue(char *close);
-    Step nestedStatement(char *nested);
     Step cutValue(char *cut);
     Step undoStartTag();
     Step endTag();
@@ -60,8 +87,6 @@ private:
     Step whiteSpaceAndComment();
     Step giveBack();
 
-    void advance(char *position);
-    void account(const char *start);
     bool atWord(const char *cursor, std::string_view word) const;
     bool atCutWord(const char *cursor, std::string_view word) const;
     char *findByte(char *from, char byte) const;
@@ -72,15 +97,17 @@ private:
 
 int Scan::run()
 {
+    // An object is cut by a stretch's end alone, so that a scan can only begin in one.
+    if (context_->frames.scanCut != 0 && !mifOutputStopped(context_->output) &&
+        importObject(source_.scanPosition) != Step::next) {
+        return 1;
+    }
     for (;;) {
         if (mifOutputStopped(context_->output)) {
             context_->output.outputFull = 1;
             return 1;
         }
-        if (source_.scanPosition == source_.bufferEnd || source_.carryLength != 0) {
-            return 1;
-        }
-        const Step done = context_->frames.scanCut != 0 ? importObject(source_.scanPosition) : step();
+        const Step done = step();
         if (done != Step::next) {
             return done == Step::stop;
         }
@@ -89,11 +116,13 @@ int Scan::run()
 
 Step Scan::step()
 {
-    switch (*source_.scanPosition) {
-    case '<':
+    if (*source_.scanPosition == '<') { // these two are most steps
         return startTag();
-    case '>':
-        return endTag();
+    }
+    if (*source_.scanPosition == '>') { // of the document, or the one behind the text
+        return source_.scanPosition != source_.bufferEnd ? endTag() : Step::stop;
+    }
+    switch (*source_.scanPosition) {
     case '#':
         return comment();
     case 'd':
@@ -105,22 +134,6 @@ Step Scan::step()
             return whiteSpaceAndComment();
         }
         return strayText();
-    }
-}
-
-// Takes the text up to `position` as read.
-void Scan::advance(char *position)
-{
-    const char *start = source_.scanPosition;
-    source_.scanPosition = position;
-    account(start);
-}
-
-// Lets the file position follow the scan position, which has moved on from `start`. In a replay it stands still.
-void Scan::account(const char *start)
-{
-    if (context_->replay.readingStretch == 0) {
-        source_.filePosition += static_cast<int32_t>(source_.scanPosition - start);
     }
 }
 
@@ -158,10 +171,7 @@ bool Scan::atCutWord(const char *cursor, std::string_view word) const
 Step Scan::startTag()
 {
     char *nameStart = source_.scanPosition + 1;
-    char *nameEnd = nameStart;
-    while (nameEnd < source_.bufferEnd && !mifByteIs(*nameEnd, BYTE_ENDS_NAME)) {
-        ++nameEnd;
-    }
+    char *nameEnd = mifFindNameEnd(nameStart);
     context_->scanner.nameStart = nameStart;
     context_->scanner.nameEnd = nameEnd;
     if (nameEnd == source_.bufferEnd) {
@@ -169,14 +179,10 @@ Step Scan::startTag()
     }
     if (*nameEnd == '>') {
         // `<Name>` has neither value nor content: no statement is opened.
-        advance(nameEnd + 1);
+        source_.scanPosition = nameEnd + 1;
         return Step::next;
     }
-    char name[nameBufferSize];
-    const size_t length = std::min(static_cast<size_t>(nameEnd - nameStart), nameBufferSize - 1);
-    memcpy(name, nameStart, length);
-    name[length] = '\0';
-    if (mifProcessStartTag(context_, name, nameEnd + 1) == 0) {
+    if (!mifProcessStartTag(context_, mifFindStatement(context_, nameStart, nameEnd), nameEnd + 1)) {
         return Step::fail;
     }
     if (context_->scanner.insideFlag == &context_->frames.inImportObject && context_->pages.inPage == 0) {
@@ -218,14 +224,14 @@ Step Scan::importObject(char *from)
         frames.insetDepth = depthBefore;
         return undoStartTag();
     }
-    advance(end);
-    return Step::next;
+    source_.scanPosition = end;
+    return end != source_.bufferEnd && source_.carryLength == 0 ? Step::next : Step::stop;
 }
 
 // From the start of a value, as long as no backquote has come.
 Step Scan::value(char *cursor)
 {
-    for (; cursor < source_.bufferEnd; ++cursor) {
+    for (cursor = mifEatWhiteSpace(cursor);; ++cursor) {
         if (!mifByteIs(*cursor, BYTE_STOPS_VALUE)) {
             continue;
         }
@@ -233,9 +239,8 @@ Step Scan::value(char *cursor)
         case '`':
             return quotedValue(cursor + 1);
         case '>':
-            return closeValue(cursor);
+            return cursor != source_.bufferEnd ? closeValue(cursor) : undoStartTag();
         case '<':
-            return nestedStatement(cursor);
         case '#':
             return cutValue(cursor);
         default:
@@ -244,7 +249,6 @@ Step Scan::value(char *cursor)
             }
         }
     }
-    return undoStartTag();
 }
 
 // Behind a backquote only a `>` ends the value, and not one with a backslash before it. The quote's own end ends
@@ -260,6 +264,7 @@ Step Scan::quotedValue(char *cursor)
     return undoStartTag();
 }
 
+// The end tag, which is the next step, stands right behind its value.
 Step Scan::closeValue(char *close)
 {
     MifStatement *statement = context_->scanner.statementStack;
@@ -268,22 +273,15 @@ Step Scan::closeValue(char *close)
         --valueEnd;
     }
     statement->valueEnd = valueEnd;
-    advance(close);
+    source_.scanPosition = close;
     return Step::next;
 }
 
-Step Scan::nestedStatement(char *nested)
-{
-    context_->scanner.statementStack->valueStart = nullptr;
-    advance(nested);
-    return Step::next;
-}
-
-// A comment or a macro inside the value: the statement stays open but has no value.
+// A nested statement, a comment or a macro inside the value: the statement stays open but has no value.
 Step Scan::cutValue(char *cut)
 {
     context_->scanner.statementStack->valueStart = nullptr;
-    advance(cut);
+    source_.scanPosition = cut;
     return Step::next;
 }
 
@@ -301,7 +299,7 @@ Step Scan::undoStartTag()
 Step Scan::endTag()
 {
     mifProcessEndTag(context_, 1);
-    advance(source_.scanPosition + 1);
+    ++source_.scanPosition;
     const MifReplayState &replay = context_->replay;
     if (replay.suspendPending != 0) {
         mifSuspendCurrentBuffer(context_);
@@ -317,12 +315,8 @@ Step Scan::endTag()
 // The white space and the comment that may follow a statement.
 Step Scan::whiteSpaceAndComment()
 {
-    const char *start = source_.scanPosition;
-    if (start < source_.bufferEnd && mifIsWhiteSpace(*start)) {
-        mifEatWhiteSpace(context_);
-        account(start);
-    }
-    return source_.scanPosition < source_.bufferEnd && *source_.scanPosition == '#' ? comment() : Step::next;
+    source_.scanPosition = mifEatWhiteSpace(source_.scanPosition);
+    return *source_.scanPosition == '#' ? comment() : Step::next;
 }
 
 Step Scan::comment()
@@ -333,7 +327,6 @@ Step Scan::comment()
         source_.scanPosition = start;
         return Step::stop;
     }
-    account(start);
     return Step::next;
 }
 
@@ -353,7 +346,7 @@ Step Scan::macro(std::string_view word, std::string_view notice)
     if (close == nullptr) {
         return giveBack();
     }
-    advance(close + 1);
+    source_.scanPosition = close + 1;
     return whiteSpaceAndComment();
 }
 
@@ -371,42 +364,9 @@ Step Scan::strayText()
     return comment();
 }
 
-// While a format's definition is being stored, its statements are kept instead of being carried out.
-MifStatementHandler handlerOf(const MifContext *context, const MifStatementEntry &row)
-{
-    const MifFormatState &formats = context->formats;
-    if (formats.inPgf != 0 && formats.pgfCatalog.pending != 0 && row.handler != mifPgfFont &&
-        row.handler != mifTabStop) {
-        return mifPgfStoreInformation;
-    }
-    if (formats.inFont != 0 && formats.fontCatalog.pending != 0) {
-        return mifFontStoreInformation;
-    }
-    return row.handler;
-}
-
 } // namespace
 
 int mifProcessBuffer(MifContext *context)
 {
     return Scan(context).run();
-}
-
-int mifProcessStartTag(MifContext *context, const char *name, char *valueStart)
-{
-    MifScannerState &scanner = context->scanner;
-    const MifStatementEntry *row = mifFindStatement(context, name);
-    if (mifPushStatement(context, handlerOf(context, *row), valueStart) == nullptr) {
-        return 0;
-    }
-    scanner.insideFlag = nullptr;
-    if (row->insideFlag != nullptr) {
-        scanner.insideFlag = &row->insideFlag(*context);
-        scanner.insideFlagBefore = *scanner.insideFlag;
-        *scanner.insideFlag = 1;
-    }
-    if (row->handler == mifTbl) {
-        context->tables.tableStartPosition = context->source.filePosition;
-    }
-    return 1;
 }

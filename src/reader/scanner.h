@@ -10,8 +10,4 @@
 // middle of a statement and cannot go on.
 int mifProcessBuffer(MifContext *context);
 
-// Opens the statement of that name. Its handler is the statement table's, or, while a format's definition is being
-// stored, the storing one; its inside flag is raised. Returns 1, or 0 when memory is exhausted.
-int mifProcessStartTag(MifContext *context, const char *name, char *valueStart);
-
 #endif

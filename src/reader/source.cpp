@@ -6,15 +6,6 @@
 namespace
 {
 
-// The first line-end byte in [begin, end), or end.
-char *findLineEnd(char *begin, char *end)
-{
-    auto *lineFeed = static_cast<char *>(memchr(begin, '\n', static_cast<size_t>(end - begin)));
-    char *limit = lineFeed != nullptr ? lineFeed : end;
-    auto *carriageReturn = static_cast<char *>(memchr(begin, '\r', static_cast<size_t>(limit - begin)));
-    return carriageReturn != nullptr ? carriageReturn : limit;
-}
-
 // Where the next stretch begins.
 int32_t streamPosition(const MifContext *context)
 {
@@ -24,6 +15,22 @@ int32_t streamPosition(const MifContext *context)
 
 } // namespace
 
+char *mifFindLineEnd(char *begin, char *end)
+{
+    while (begin < end) { // lines are short: two calls of memchr would cost more
+        const MifWord marks = mifMarkBelow(mifLoadWord(begin), '\r' + 1);
+        begin += mifBytesBefore(marks);
+        if (marks == 0) {
+            continue;
+        }
+        if (mifNewLine(*begin)) {
+            break;
+        }
+        ++begin; // a tab or another control byte
+    }
+    return std::min(begin, end);
+}
+
 bool mifMoreToRead(const MifContext *context)
 {
     return streamPosition(context) < context->source.totalSize;
@@ -32,6 +39,13 @@ bool mifMoreToRead(const MifContext *context)
 int32_t mifStreamPosition(const MifContext *context, const char *byte)
 {
     return streamPosition(context) - static_cast<int32_t>(context->source.bufferEnd - byte);
+}
+
+int32_t mifFilePosition(const MifContext *context)
+{
+    const MifReplayState &replay = context->replay;
+    const MifSourceState &source = context->source;
+    return replay.readingStretch != 0 ? replay.savedPosition : mifStreamPosition(context, source.scanPosition);
 }
 
 size_t mifReadStream(MifContext *context, char *destination, size_t count)
@@ -59,10 +73,10 @@ int32_t mifReadSourceFile(MifContext *context)
         replay.stretchPosition += count;
     } else {
         source.bytesRead += count;
-        source.filePosition = source.bytesRead - source.carryLength - count;
     }
     source.scanPosition = source.buffer;
     source.bufferEnd = source.buffer + source.carryLength + count;
+    *source.bufferEnd = '>';
     source.carryLength = 0;
     return count;
 }
@@ -77,23 +91,12 @@ void mifReadFirstStretch(MifContext *context)
     source.carryLength = 0;
 }
 
-char *mifEatWhiteSpace(MifContext *context)
-{
-    MifSourceState &source = context->source;
-    char *position = source.scanPosition + 1;
-    while (position < source.bufferEnd && mifIsWhiteSpace(*position)) {
-        ++position;
-    }
-    source.scanPosition = position;
-    return position;
-}
-
 char *mifSkipComments(MifContext *context)
 {
     MifSourceState &source = context->source;
     char *comment = source.scanPosition;
-    char *position = findLineEnd(comment + 1, source.bufferEnd);
-    for (int bytes = 0; bytes < 2 && position < source.bufferEnd && mifNewLine(*position); ++bytes) {
+    char *position = mifFindLineEnd(comment + 1, source.bufferEnd);
+    for (int bytes = 0; bytes < 2 && mifNewLine(*position); ++bytes) { // there is none behind the text
         ++position;
     }
     source.scanPosition = position;
@@ -101,5 +104,6 @@ char *mifSkipComments(MifContext *context)
         source.carryLength = mifMoreToRead(context) ? static_cast<int32_t>(source.bufferEnd - comment) : 0;
         return position;
     }
-    return mifIsWhiteSpace(*position) ? mifEatWhiteSpace(context) : position;
+    source.scanPosition = mifEatWhiteSpace(position);
+    return source.scanPosition;
 }

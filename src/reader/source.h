@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "reader/context.h"
+#include "reader/words.h"
 
 // What a byte means to the scanner, as bits.
 enum : uint8_t {
@@ -43,11 +44,17 @@ inline bool mifNewLine(char byte)
     return byte == '\n' || byte == '\r';
 }
 
+// The first line-end byte in [begin, end), or end. Both are in the source buffer.
+char *mifFindLineEnd(char *begin, char *end);
+
 // Whether the stream may still deliver bytes behind the ones in the buffer.
 bool mifMoreToRead(const MifContext *context);
 
 // The position in the stream of a byte in the buffer.
 int32_t mifStreamPosition(const MifContext *context, const char *byte);
+
+// The document offset of the scan position. While a table is replayed it stands still, behind the table's anchor.
+int32_t mifFilePosition(const MifContext *context);
 
 // Reads up to count bytes from the stream. What a stream should not answer counts as nothing.
 size_t mifReadStream(MifContext *context, char *destination, size_t count);
@@ -60,8 +67,39 @@ int32_t mifReadSourceFile(MifContext *context);
 // whole.
 void mifReadFirstStretch(MifContext *context);
 
-// Skips the byte at the scan position, whatever it is, and the white space behind it. Returns the new scan position.
-char *mifEatWhiteSpace(MifContext *context);
+// The first byte from `position` on that is no white space, or the end of the text: a place in the source buffer, as
+// are those below. An indent is passed over in one.
+inline char *mifEatWhiteSpace(char *position)
+{
+    for (;;) {
+        const size_t blanks = mifBytesBefore(mifLoadWord(position) ^ mifEveryByte(' '));
+        position += blanks;
+        if (blanks == sizeof(MifWord)) {
+            continue;
+        }
+        if (!mifIsWhiteSpace(*position)) {
+            return position;
+        }
+        ++position;
+    }
+}
+
+// The end of the statement name that begins there, or the end of the text.
+inline char *mifFindNameEnd(char *name)
+{
+    for (;;) {
+        const MifWord word = mifLoadWord(name);
+        const MifWord marks = mifMarkBelow(word, ' ' + 1) | mifMarkByte(word, '>');
+        name += mifBytesBefore(marks);
+        if (marks == 0) {
+            continue;
+        }
+        if (mifByteIs(*name, BYTE_ENDS_NAME)) {
+            return name;
+        }
+        ++name; // a control byte, part of the name
+    }
+}
 
 // Skips the comment whose `#` is at the scan position, its line end and the white space behind it. A comment that the
 // buffer's end cuts (its line end and one more byte must be there) is carried over if there is more to read: then the

@@ -1,7 +1,5 @@
 #include "reader/statement.h"
 
-#include "reader/host_memory.h"
-
 namespace
 {
 
@@ -32,28 +30,6 @@ char *withoutLast(const MifContext *context)
 }
 
 } // namespace
-
-MifStatement *mifPushStatement(MifContext *context, MifStatementHandler handler, char *valueStart)
-{
-    auto *statement = static_cast<MifStatement *>(mifAllocateBytes(context, sizeof(MifStatement)));
-    if (statement != nullptr) {
-        *statement = {handler, valueStart, nullptr, context->scanner.statementStack};
-        context->scanner.statementStack = statement;
-    }
-    return statement;
-}
-
-int mifProcessEndTag(MifContext *context, int runHandler)
-{
-    MifStatement *statement = context->scanner.statementStack;
-    if (statement == nullptr) {
-        return 1;
-    }
-    const int result = runHandler != 0 ? statement->handler(context) : 1;
-    context->scanner.statementStack = statement->enclosing;
-    mifRelease(context, statement);
-    return result;
-}
 
 void mifFreeMIFStatements(MifContext *context)
 {

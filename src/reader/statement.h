@@ -3,13 +3,35 @@
 #define MIFREADER_SRC_READER_STATEMENT_H
 
 #include "reader/context.h"
+#include "reader/host_memory.h"
 
 // Opens a statement: a new node becomes the innermost one. Returns null when memory is exhausted.
-MifStatement *mifPushStatement(MifContext *context, MifStatementHandler handler, char *valueStart);
+inline MifStatement *mifPushStatement(MifContext *context, MifStatementHandler handler, char *valueStart)
+{
+    auto *statement = static_cast<MifStatement *>(mifAllocateBytes(context, sizeof(MifStatement)));
+    if (statement != nullptr) {
+        *statement = {handler, valueStart, nullptr, context->scanner.statementStack};
+        context->scanner.statementStack = statement;
+    }
+    return statement;
+}
 
 // Closes the innermost statement, with its handler run if runHandler is not 0. Returns the handler's result, and 1 when
 // no handler runs or no statement is open.
-int mifProcessEndTag(MifContext *context, int runHandler);
+inline int mifProcessEndTag(MifContext *context, int runHandler)
+{
+    MifStatement *statement = context->scanner.statementStack;
+    if (statement == nullptr) {
+        return 1;
+    }
+    const int result = runHandler != 0 ? statement->handler(context) : 1;
+    if (statement == context->replay.savedStatement) {
+        context->replay.savedStatement = nullptr; // its address may come back as another statement's
+    }
+    context->scanner.statementStack = statement->enclosing;
+    mifRelease(context, statement);
+    return result;
+}
 
 // Closes every open statement, innermost first, without running handlers.
 void mifFreeMIFStatements(MifContext *context);

@@ -1,6 +1,7 @@
 #include "reader/statement_table.h"
 
-#include <cstring>
+#include <numeric>
+#include <string_view>
 
 #include "formats/fonts.h"
 #include "formats/paragraphs.h"
@@ -24,9 +25,15 @@ uint32_t &insideFlag(MifContext &context)
     return context.*group.*flag;
 }
 
-const MifStatementEntry unsupportedStatement = {"", mifUnsupportedMIFStatement, nullptr};
+uint32_t hashOf(std::string_view name)
+{
+    return std::accumulate(name.begin(), name.end(), 0U,
+                           [](uint32_t hash, char byte) { return hash * 37 + static_cast<unsigned char>(byte); });
+}
 
 } // namespace
+
+const MifStatementEntry mifUnsupportedStatement = {"", mifUnsupportedMIFStatement, nullptr};
 
 const MifStatementEntry MifStatementTable[statementCount] = {
     {"TblCatalog", mifTblCatalog, nullptr},
@@ -112,11 +119,7 @@ const MifStatementEntry MifStatementTable[statementCount] = {
 
 uint32_t mifHashValue(const char *name)
 {
-    uint32_t hash = 0;
-    for (; *name != '\0'; ++name) {
-        hash = hash * 37 + static_cast<unsigned char>(*name);
-    }
-    return hash % statementBucketCount;
+    return hashOf(name) % statementBucketCount;
 }
 
 int mifCreateHashTable(MifContext *context)
@@ -144,18 +147,21 @@ void mifFreeHashTable(MifContext *context)
     }
 }
 
-const MifStatementEntry *mifFindStatement(const MifContext *context, const char *name)
+const MifStatementEntry &mifLookUpStatement(const MifContext *context, std::string_view name)
 {
-    const MifLookupEntry *entry = context->dispatch.statementBuckets[mifHashValue(name)];
-    while (entry != nullptr && strcmp(entry->row->name, name) != 0) {
-        entry = entry->next;
+    name = name.substr(0, name.find('\0'));
+    const MifLookupEntry *entry = context->dispatch.statementBuckets[hashOf(name) % statementBucketCount];
+    for (; entry != nullptr; entry = entry->next) {
+        if (name == entry->row->name) {
+            return *entry->row;
+        }
     }
-    return entry != nullptr ? entry->row : &unsupportedStatement;
+    return mifUnsupportedStatement;
 }
 
 MifStatementHandler mifGetTagFunction(const MifContext *context, const char *name)
 {
-    return mifFindStatement(context, name)->handler;
+    return mifLookUpStatement(context, name).handler;
 }
 
 int mifUnsupportedMIFStatement(MifContext * /*context*/)

@@ -36,6 +36,7 @@ uint8_t *queueToken(MifContext *context, uint64_t length)
 {
     MifOutputState &output = context->output;
     output.outputEnd = output.outputPosition; // so that no later token overtakes this one
+    output.stopPosition = output.outputStart;
     if (output.failed != 0 || length > output.bufferSize) {
         output.failed = 1;
         return nullptr;
@@ -122,6 +123,7 @@ void mifBeginOutput(MifContext *context, uint8_t *buffer, uint32_t bufferSize)
     output.outputEnd = buffer + bufferSize;
     output.bufferSize = bufferSize;
     output.outputLimit = bufferSize * 9U / 10U;
+    output.stopPosition = buffer + output.outputLimit;
     while (!output.queue.empty() &&
            output.queue.head->length <= static_cast<size_t>(output.outputEnd - output.outputPosition)) {
         MifQueuedToken *token = output.queue.takeFirst();
@@ -131,6 +133,7 @@ void mifBeginOutput(MifContext *context, uint8_t *buffer, uint32_t bufferSize)
     }
     if (!output.queue.empty()) {
         output.outputEnd = output.outputPosition;
+        output.stopPosition = buffer;
         if (output.queue.head->length > bufferSize) {
             output.failed = 1;
         }
@@ -212,9 +215,10 @@ int mifWriteTabStops(MifContext *context, const MifParagraphStyle &style)
         return 0;
     }
     place = storeU32(place, count);
-    for (uint32_t stop = 0; stop < count; ++stop) {
-        place = storeU8(place, static_cast<uint32_t>(style.tabKinds[stop]));
-        place = storeI32(place, style.tabPositions[stop]);
+    for (int32_t index = 0; index < style.tabCount; ++index) {
+        const bool isStored = index < style.tabsStored;
+        const int32_t kind = isStored ? style.tabKinds[index] : MIF_TAB_LEFT;
+        place = storeI32(storeU8(place, static_cast<uint32_t>(kind)), isStored ? style.tabPositions[index] : 0);
     }
     return 1;
 }

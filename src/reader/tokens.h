@@ -20,8 +20,7 @@ void mifBeginOutput(MifContext *context, uint8_t *buffer, uint32_t bufferSize);
 // Whether no further step may be begun in this call.
 inline bool mifOutputStopped(const MifOutputState &output)
 {
-    return output.outputPosition - output.outputStart >= static_cast<ptrdiff_t>(output.outputLimit) ||
-           !output.queue.empty() || output.failed != 0;
+    return output.outputPosition >= output.stopPosition;
 }
 
 // Gives back the tokens that still wait.

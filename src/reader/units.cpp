@@ -113,13 +113,30 @@ int32_t scaleToTwips(double number, int32_t unit)
     return mifSaturate(number < 0 ? -static_cast<int64_t>(twips) : static_cast<int64_t>(twips));
 }
 
+// Loops of their own: the texts are shorter than what strcspn and strspn take to begin.
+const char *skipBlanks(const char *text)
+{
+    while (*text == ' ') {
+        ++text;
+    }
+    return text;
+}
+
+const char *findBlank(const char *text)
+{
+    while (*text != ' ' && *text != '\0') {
+        ++text;
+    }
+    return text;
+}
+
 // The end of a measurement: the blank behind it, or the text's end. A blank between a number and its unit name belongs
 // to the measurement.
 const char *measurementEnd(const char *text)
 {
-    const char *blank = text + strcspn(text, " ");
-    const char *unit = blank + strspn(blank, " ");
-    return blank != text && endsNumber(blank[-1]) && isLetter(*unit) ? unit + strcspn(unit, " ") : blank;
+    const char *blank = findBlank(text);
+    const char *unit = skipBlanks(blank);
+    return blank != text && endsNumber(blank[-1]) && isLetter(*unit) ? findBlank(unit) : blank;
 }
 
 const char *skipMeasurement(const char *text)
@@ -176,7 +193,7 @@ int32_t mifParseTwips(const char *text)
 
 int32_t mifParseFirstTwips(const char *text)
 {
-    text += strspn(text, " ");
+    text = skipBlanks(text);
     const std::string_view measurement(text, static_cast<size_t>(measurementEnd(text) - text));
     return scaleToTwips(mifParseNumber(text), twipsPerUnit(measurement));
 }

@@ -1,6 +1,5 @@
 #include "text/apply_format.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "formats/paragraphs.h"
@@ -65,31 +64,11 @@ void applyCharacters(MifContext *context, const MifParagraphStyle &current, MifP
     }
 }
 
-bool sameTabStops(const MifParagraphStyle &left, const MifParagraphStyle &right)
-{
-    return left.tabCount == right.tabCount &&
-           std::equal(left.tabPositions, left.tabPositions + left.tabCount, right.tabPositions) &&
-           std::equal(left.tabKinds, left.tabKinds + left.tabCount, right.tabKinds);
-}
-
 // False when memory is exhausted, appliedStyle then has no stops, or when the token is lost.
 bool applyTabStops(MifContext *context, const MifParagraphStyle &current, MifParagraphStyle &applied)
 {
-    if (sameTabStops(current, applied)) {
-        return true;
-    }
-    if (mifWriteTabStops(context, current) == 0) {
-        return false; // the document ends here; a list of that length is not worth copying
-    }
-    if (current.tabCount != applied.tabCount) {
-        mifReleaseTabArrays(context, applied);
-        if (current.tabCount != 0 && !mifAllocateTabArrays(context, applied, current.tabCount)) {
-            return false;
-        }
-    }
-    std::copy_n(current.tabPositions, current.tabCount, applied.tabPositions);
-    std::copy_n(current.tabKinds, current.tabCount, applied.tabKinds);
-    return true;
+    return mifSameTabStops(current, applied) ||
+           (mifWriteTabStops(context, current) != 0 && mifCopyTabStops(context, current, applied));
 }
 
 // Once for each number text, in its own paragraph.

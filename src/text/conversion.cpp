@@ -59,15 +59,6 @@ constexpr std::array<CharCode, 87> MifCharCodeTable = {{
 
 static_assert(std::is_sorted(MifCharCodeTable.begin(), MifCharCodeTable.end(), codePrecedes));
 
-uint32_t digitValue(uint8_t character)
-{
-    if (character >= 'A' && character <= 'Z') {
-        character = static_cast<uint8_t>(character + ('a' - 'A'));
-    }
-    const bool isDigit = character >= '0' && character <= '9';
-    return static_cast<uint32_t>(character) - (isDigit ? 0x30U : 0x57U);
-}
-
 // Converts the escape whose backslash is at `read`, writing its byte at `write`. Returns the first character behind it.
 char *convertEscape(MifContext *context, char *read, char *&write)
 {
@@ -135,5 +126,5 @@ uint8_t mifConvertASCIIToHex(uint8_t first, uint8_t second, int useTable)
             return code->byte;
         }
     }
-    return static_cast<uint8_t>((digitValue(first) * 16U) | (digitValue(second) & 0xFFU));
+    return mifHexByte(first, second);
 }

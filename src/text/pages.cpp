@@ -7,6 +7,16 @@
 #include "reader/statement.h"
 #include "reader/units.h"
 
+namespace
+{
+
+bool isBodyTextRect(const MifPageState &pages, int32_t id)
+{
+    return pages.bodyTextRectIDs.find(reinterpret_cast<const char *>(&id), sizeof(id)) != nullptr;
+}
+
+} // namespace
+
 int mifPage(MifContext *context)
 {
     context->pages.inPage = 0;
@@ -60,9 +70,7 @@ int mifTextRectID(MifContext *context)
     if (value == nullptr) {
         return 0;
     }
-    const int32_t id = mifParseInteger(value);
-    MifPageState &pages = context->pages;
-    pages.inBodyText = pages.bodyTextRectIDs.find(reinterpret_cast<const char *>(&id), sizeof(id)) != nullptr;
+    context->pages.inBodyText = isBodyTextRect(context->pages, mifParseInteger(value));
     return 1;
 }
 
@@ -85,11 +93,15 @@ int mifID(MifContext *context)
     if (value == nullptr) {
         return 0;
     }
+    const int32_t id = mifParseInteger(value);
+    if (isBodyTextRect(pages, id)) {
+        return 1;
+    }
     auto *rect = mifAllocateZeroed<MifBodyTextRect>(context);
     if (rect == nullptr) {
         return 0;
     }
-    rect->id = mifParseInteger(value);
+    rect->id = id;
     pages.bodyTextRects.append(rect);
     pages.bodyTextRectIDs.insert(rect, reinterpret_cast<const char *>(&rect->id), sizeof(rect->id));
     return 1;

@@ -47,6 +47,7 @@ struct MifVariableState {
     uint32_t inVariableFormats;
     MifList<MifVariable> variableCatalog; // in the order of declaration
     MifIndex names;
+    MifVariable *declared; // the one declared last, which gets the definition; null when its name was there before
 };
 
 #endif

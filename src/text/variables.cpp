@@ -11,8 +11,13 @@
 namespace
 {
 
+// Only the first variable of a name is ever found, so no other one is kept.
 int declareVariable(MifContext *context, const char *name)
 {
+    context->variables.declared = nullptr;
+    if (context->variables.names.find(name, strlen(name)) != nullptr) {
+        return 1;
+    }
     auto *variable = mifAllocateZeroed<MifVariable>(context);
     char *copy = variable != nullptr ? mifCopyText(context, name) : nullptr;
     if (copy == nullptr) {
@@ -22,6 +27,7 @@ int declareVariable(MifContext *context, const char *name)
     variable->name = copy;
     context->variables.variableCatalog.append(variable);
     context->variables.names.insert(variable, copy, strlen(copy));
+    context->variables.declared = variable;
     return 1;
 }
 
@@ -73,7 +79,7 @@ int mifVariableDef(MifContext *context)
         return 0;
     }
     mifProcessEmbeddedVariables(value);
-    MifVariable *variable = context->variables.variableCatalog.tail;
+    MifVariable *variable = context->variables.declared;
     char *definition = variable != nullptr ? mifCopyText(context, value) : nullptr;
     if (definition == nullptr) {
         return 0;
@@ -112,4 +118,5 @@ void mifFreeVariables(MifContext *context)
         mifRelease(context, variable);
     }
     context->variables.names.clear();
+    context->variables.declared = nullptr;
 }

@@ -1,41 +1,47 @@
-// The commands of mifread and what they share with the reading of the arguments.
+// The commands of mifread: what each makes of a document.
 #ifndef MIFREAD_COMMAND_H
 #define MIFREAD_COMMAND_H
 
-#include <cstdint>
+#include <functional>
 #include <string>
-#include <vector>
+#include <string_view>
+
+#include "conversion.h"
 
 namespace mifread
 {
 
-enum class ExitCode {
-    Success = 0,
-    Losses = 1, // converted, but not everything; or inputs failed in different ways
-    Usage = 2,
-    Io = 3,     // cannot open, read or write; a plug-in that cannot be used
-    NotMif = 4, // refused
-    Limit = 5   // a limit was reached
+// How the results of a command leave the program.
+enum class Results {
+    Joined, // in one output, one after the other, or each in a file of its own
+    Single, // in one output there is room for one; several need files of their own
+    Files   // files of the command's own in the document's folder, and a list of them in one output
 };
 
-struct Options {
-    std::vector<std::string> inputs;      // paths; "-" is standard input
-    std::string output = "-";             // a path; "-" is standard output
-    std::uint32_t bufferSize = 64 * 1024; // bytes
-    std::string plugin;                   // a path; empty means the reader that the program is linked with
-    std::string folder;                   // a path; where the objects go
+struct Command {
+    std::function<void(Conversion &)> convert; // called once for each document, from several threads at once
+    Results results = Results::Joined;
+    std::string_view extension{}; // of a result's file, with its dot
+    std::string_view heading{};   // what an output begins with
 };
 
-// Each converts all inputs, reports what went wrong on standard error, and goes on with the next input after a failure.
+// The document's text.
+Command textCommand();
 
-// The documents' text, in UTF-8.
-ExitCode runText(const Options &options);
+// A page that shows it.
+Command htmlCommand();
 
-// The documents' token streams, one token a line.
-ExitCode runTokens(const Options &options);
+// Its token stream, one token a line, for people.
+Command tokensCommand();
 
-// The data of the documents' embedded objects, each in a file of the folder, and a list of them.
-ExitCode runObjects(const Options &options);
+// The data of its embedded objects, each in a file.
+Command objectsCommand();
+
+// Its token stream, one token a line, for programs. withObjects: the data of its objects as well.
+Command jsonCommand(bool withObjects);
+
+// What is in it, for people or for programs.
+Command infoCommand(bool asJson);
 
 } // namespace mifread
 

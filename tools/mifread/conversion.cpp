@@ -1,120 +1,115 @@
 #include "conversion.h"
 
-#include <cstdio>
-#include <new>
-#include <set>
-#include <string>
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "mifhost/error.h"
-#include "mifhost/plugin.h"
 #include "mifhost/source_check.h"
-#include "mifhost/stream.h"
 
 namespace mifread
 {
 
-void complain(std::string_view message)
-{
-    fmt::print(stderr, "mifread: {}\n", message);
-}
-
 namespace
 {
 
-// Reports what the reader lost of a document that it read to its end. Returns whether it lost anything.
-bool reportLosses(const std::string &name, const mifhost::SourceCheck &check)
+std::atomic<int> signalCaught = 0;
+static_assert(std::atomic<int>::is_always_lock_free, "set by a signal handler");
+
+// What the reader lost of a document that it read to its end.
+void addReaderLosses(const mifhost::Document &document, std::vector<std::string> &losses)
 {
-    const std::size_t open = check.openStatements();
-    const std::size_t dropped = check.droppedStatements();
-    if (open > 0) {
-        complain(
+    const mifhost::SourceCheck &check = document.check();
+    if (check.openStatements() > 0) {
+        losses.push_back(
             fmt::format("{}: byte {}: the document ends inside the statement that begins here (open statements: {})",
-                        name, check.innermostOpen(), open));
+                        document.name(), check.innermostOpen(), check.openStatements()));
     }
-    if (dropped > 0) {
-        complain(fmt::format(
+    if (check.droppedStatements() > 0) {
+        losses.push_back(fmt::format(
             "{}: byte {}: the first of the statements or lines of embedded objects that were dropped because they have "
             "more than {} bytes begins here (dropped: {}, the longest: {} bytes)",
-            name, check.firstDropped(), mifhost::SourceCheck::maximumStatement, dropped, check.longestDropped()));
+            document.name(), check.firstDropped(), mifhost::SourceCheck::maximumStatement, check.droppedStatements(),
+            check.longestDropped()));
     }
-    return open > 0 || dropped > 0;
-}
-
-ExitCode convertInput(const std::string &input, const mifhost::Plugin &plugin, const Options &options,
-                      OutputFile &output, const Converter &convert)
-{
-    mifhost::FileStream stream(input);
-    mifhost::DocumentOptions documentOptions;
-    documentOptions.bufferSize = options.bufferSize;
-    mifhost::Document document(plugin, stream, documentOptions);
-    const bool isWritten = convert(document, output);
-    const bool isRead = !reportLosses(document.name(), document.check());
-    return isWritten && isRead ? ExitCode::Success : ExitCode::Losses;
-}
-
-// Reports the exception being handled, which concerns one input, and returns its exit code. An output that cannot be
-// written concerns them all and goes on.
-ExitCode reportFailure(const std::string &input)
-{
-    try {
-        throw;
-    } catch (const OutputError &) {
-        throw;
-    } catch (const mifhost::NotMif &error) {
-        complain(error.what());
-        return ExitCode::NotMif;
-    } catch (const mifhost::LimitReached &error) {
-        complain(error.what());
-        return ExitCode::Limit;
-    } catch (const mifhost::Error &error) {
-        complain(error.what());
-        return ExitCode::Io;
-    } catch (const std::bad_alloc &) {
-        complain(input + ": memory is exhausted");
-        return ExitCode::Limit;
+    if (check.cutStrings() > 0) {
+        losses.push_back(
+            fmt::format("{}: byte {}: the first NUL byte in a string, of which the rest is lost (strings: {})",
+                        document.name(), check.firstCut(), check.cutStrings()));
     }
-}
-
-ExitCode convertAll(const Options &options, const Converter &convert)
-{
-    const mifhost::Plugin plugin =
-        options.plugin.empty() ? mifhost::Plugin::linked() : mifhost::Plugin::load(options.plugin);
-    OutputFile output(options.output);
-    std::set<ExitCode> failures;
-    bool anyConverted = false;
-    bool anyLosses = false;
-    for (const std::string &input : options.inputs) {
-        try {
-            const ExitCode code = convertInput(input, plugin, options, output, convert);
-            output.keepPart();
-            anyConverted = true;
-            anyLosses = anyLosses || code == ExitCode::Losses;
-        } catch (...) {
-            failures.insert(reportFailure(input));
-            output.dropPart();
-        }
-    }
-    if (anyConverted) {
-        output.commit();
-    }
-    if (!failures.empty()) {
-        return failures.size() == 1 ? *failures.begin() : ExitCode::Losses;
-    }
-    return anyLosses ? ExitCode::Losses : ExitCode::Success;
 }
 
 } // namespace
 
-ExitCode convertInputs(const Options &options, const Converter &convert)
+void watchSignals()
 {
-    try {
-        return convertAll(options, convert);
-    } catch (const mifhost::Error &error) { // the plug-in or the output
-        complain(error.what());
-        return ExitCode::Io;
+    struct sigaction action {
+    };
+    action.sa_handler = [](int number) { signalCaught = number; };
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction present {
+        };
+        sigaction(number, nullptr, &present);
+        if (present.sa_handler != SIG_IGN) { // as under nohup
+            sigaction(number, &action, nullptr);
+        }
     }
+}
+
+int caughtSignal() noexcept
+{
+    return signalCaught;
+}
+
+Conversion::Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, const Limits &limits,
+                       Progress progress)
+    : document_(document), output_(output), folder_(std::move(folder)), limits_(limits), progress_(std::move(progress)),
+      outputStart_(output.size())
+{
+}
+
+const mifhost::Token *Conversion::next()
+{
+    keepGoing();
+    return document_.next();
+}
+
+void Conversion::keepGoing(std::uint64_t bytesElsewhere)
+{
+    bytesElsewhere_ += bytesElsewhere;
+    const std::uint64_t written = output_.size() - outputStart_ + bytesElsewhere_;
+    if (written > limits_.output) {
+        std::string &text = output_.text();
+        text.resize(text.size() - std::min<std::uint64_t>(written - limits_.output, text.size()));
+        throw mifhost::LimitReached(document_.name(), document_.bytesRead(),
+                                    fmt::format("the output limit of {} bytes is reached", limits_.output));
+    }
+    output_.writeFullBlocks();
+    if (caughtSignal() != 0) {
+        throw Interrupted();
+    }
+    if (document_.percent() != percentReported_) {
+        percentReported_ = document_.percent();
+        progress_(percentReported_);
+    }
+}
+
+std::vector<std::string> Conversion::losses() const
+{
+    std::vector<std::string> all = losses_;
+    if (charset_.undefinedBytes() > 0) {
+        all.push_back(fmt::format("{}: characters that Windows-1252 does not define were replaced by U+FFFD: {}",
+                                  document_.name(), charset_.undefinedBytes()));
+    }
+    if (document_.percent() >= 100) {
+        addReaderLosses(document_, all);
+    }
+    return all;
 }
 
 } // namespace mifread

@@ -1,27 +1,104 @@
-// What all converting commands do alike: inputs, failures, losses, exit codes.
+// The conversion of one document: what all commands do alike while they walk through its tokens.
 #ifndef MIFREAD_CONVERSION_H
 #define MIFREAD_CONVERSION_H
 
+#include <cstdint>
+#include <filesystem>
 #include <functional>
-#include <string_view>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
-#include "command.h"
+#include "mifhost/charset.h"
 #include "mifhost/document.h"
-#include "output_file.h"
+#include "output.h"
 
 namespace mifread
 {
 
-// Writes a line to standard error.
-void complain(std::string_view message);
+// The user asked the program to end.
+class Interrupted : public std::runtime_error
+{
+public:
+    Interrupted() : std::runtime_error("interrupted") {}
+};
 
-// Writes one document to output, up to its last token. Returns whether all of what was read could be written, and
-// complains of what could not.
-using Converter = std::function<bool(mifhost::Document &document, OutputFile &output)>;
+// Has the program's SIGINT, SIGTERM and SIGHUP end all conversions with Interrupted; a second signal ends the program.
+void watchSignals();
 
-// Converts every input of the options to their output and reports failures and losses on standard error. Returns the
-// exit code of the whole: that of the failures when they are of one kind.
-ExitCode convertInputs(const Options &options, const Converter &convert);
+// The signal that asked the program to end, or 0.
+int caughtSignal() noexcept;
+
+// One document on its way to one output.
+class Conversion
+{
+public:
+    struct Limits {
+        std::uint64_t output; // the most bytes that may be written
+    };
+
+    // Told of progress: how much of the document is read, in whole percent, whenever it changes.
+    using Progress = std::function<void(int percent)>;
+
+    // document  from its first token
+    // output    what the command writes to; it may hold parts of other documents
+    // folder    where files that belong to the document go
+    Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, const Limits &limits,
+               Progress progress);
+
+    // Returns the document's next token, null at its end, and writes what the output has collected. Throws as
+    // Document::next() does, and LimitReached when too much was written, OutputError, Interrupted.
+    const mifhost::Token *next();
+
+    // Does what next() does between tokens. To be called from loops that write much and ask for no token.
+    // bytesElsewhere  bytes written to other files since the last call
+    void keepGoing(std::uint64_t bytesElsewhere = 0);
+
+    mifhost::Document &document() noexcept
+    {
+        return document_;
+    }
+    Output &output() noexcept
+    {
+        return output_;
+    }
+    std::string &text() noexcept
+    {
+        return output_.text();
+    }
+    const std::filesystem::path &folder() const noexcept
+    {
+        return folder_;
+    }
+
+    // Converts text to UTF-8. What cannot be converted is a loss.
+    mifhost::Windows1252 &charset() noexcept
+    {
+        return charset_;
+    }
+
+    // A piece of the document could not be converted: a message without the program's name, and the document is said to
+    // be converted with losses.
+    void addLoss(std::string message)
+    {
+        losses_.push_back(std::move(message));
+    }
+
+    // What was lost: by addLoss(), of the character set, and, when the document was read to its end, by the reader.
+    std::vector<std::string> losses() const;
+
+private:
+    mifhost::Document &document_;
+    Output &output_;
+    std::filesystem::path folder_;
+    Limits limits_;
+    Progress progress_;
+    mifhost::Windows1252 charset_;
+    std::vector<std::string> losses_;
+    std::uint64_t outputStart_;        // size of the output before this document
+    std::uint64_t bytesElsewhere_ = 0; // written to other files
+    int percentReported_ = 0;
+};
 
 } // namespace mifread
 

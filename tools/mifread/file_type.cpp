@@ -49,6 +49,7 @@ constexpr std::array extensions = {
     Extension{"image/x-ms-bmp", "bmp"},
     Extension{"image/x-pcx", "pcx"},
     Extension{"image/x-xwindowdump", "xwd"},
+    Extension{"text/csv", "csv"},
     Extension{"text/html", "html"},
     Extension{"text/plain", "txt"},
     Extension{"text/rtf", "rtf"},
@@ -74,6 +75,12 @@ FileTypes::FileTypes() : magic_(magic_open(MAGIC_MIME_TYPE))
         throw mifhost::IoError("the database of file types", std::nullopt,
                                reason != nullptr ? reason : "cannot be opened");
     }
+}
+
+const FileTypes &FileTypes::ofThread()
+{
+    thread_local const FileTypes types;
+    return types;
 }
 
 FileType FileTypes::identify(std::span<const std::uint8_t> beginning) const

@@ -25,6 +25,9 @@ public:
     // Throws mifhost::IoError when the database of types cannot be read.
     FileTypes();
 
+    // One for each thread, as an object must not be used by two at once and is costly to make. Throws as above.
+    static const FileTypes &ofThread();
+
     // beginning  the first bytes of the file; some kilobytes are enough
     FileType identify(std::span<const std::uint8_t> beginning) const;
 

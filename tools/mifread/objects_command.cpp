@@ -1,21 +1,17 @@
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <iterator>
 #include <optional>
 #include <set>
 #include <span>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <variant>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "command.h"
-#include "conversion.h"
 #include "file_type.h"
 #include "mifhost/error.h"
 #include "mifhost/object.h"
@@ -26,18 +22,7 @@ namespace mifread
 namespace
 {
 
-namespace fs = std::filesystem;
-
 constexpr std::size_t blockSize = std::size_t{64} * 1024;
-
-void makeFolder(const fs::path &folder)
-{
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (error) {
-        throw mifhost::IoError(folder, std::nullopt, "cannot make the folder: " + error.message());
-    }
-}
 
 // The identifier becomes part of a file's name, so it must be what it is meant to be.
 void requireNumber(const mifhost::Document &document, std::string_view id)
@@ -52,63 +37,48 @@ void requireNumber(const mifhost::Document &document, std::string_view id)
 class Extraction
 {
 public:
-    Extraction(mifhost::Document &document, const fs::path &folder, OutputFile &listing)
-        : document_(document), folder_(folder), listing_(listing)
-    {
-    }
+    explicit Extraction(Conversion &conversion) : conversion_(conversion) {}
 
-    // Returns whether all objects could be read.
-    bool run();
+    void run();
 
 private:
     void extract(const mifhost::Frame &frame);
     void copy(mifhost::Object &object, std::size_t firstCount, OutputFile &file);
 
-    mifhost::Document &document_;
-    const fs::path &folder_;
-    OutputFile &listing_;
-    FileTypes types_;
+    Conversion &conversion_;
     std::vector<std::uint8_t> block_ = std::vector<std::uint8_t>(blockSize);
     std::set<std::string, std::less<>> done_; // identifiers
 };
 
-bool Extraction::run()
+void Extraction::run()
 {
-    // A document that is refused is so at its first token: then nothing is made.
-    const mifhost::Token *token = document_.next();
-    makeFolder(folder_);
-    listing_.text() += "ID\tType\tSize\tWidth\tHeight\n";
-    bool isWhole = true;
-    for (; token != nullptr; token = document_.next()) {
+    mifhost::Document &document = conversion_.document();
+    while (const mifhost::Token *token = conversion_.next()) {
         const auto *frame = std::get_if<mifhost::Frame>(token);
         if (frame == nullptr || done_.contains(frame->id)) {
             continue;
         }
-        requireNumber(document_, frame->id);
+        requireNumber(document, frame->id);
         done_.emplace(frame->id);
-        try {
-            extract(*frame);
-        } catch (const mifhost::LimitReached &error) { // of this object: others may do
-            complain(error.what());
-            isWhole = false;
-        } catch (const OutputError &error) { // of the object's file, not of the listing
-            throw mifhost::IoError("", std::nullopt, error.what());
-        }
+        extract(*frame);
     }
-    return isWhole;
 }
 
 void Extraction::extract(const mifhost::Frame &frame)
-{
-    mifhost::Object object(document_, frame.id);
+try {
+    mifhost::Object object(conversion_.document(), frame.id);
     const std::size_t firstCount = object.read(block_);
-    const FileType type = types_.identify(std::span(block_).first(firstCount));
-    OutputFile file(folder_ / fmt::format("{}.{}", frame.id, type.extension));
+    const FileType type = FileTypes::ofThread().identify(std::span(block_).first(firstCount));
+    makeFolder(conversion_.folder());
+    OutputFile file(conversion_.folder() / fmt::format("{}.{}", frame.id, type.extension));
     copy(object, firstCount, file);
     file.commit();
-    fmt::format_to(std::back_inserter(listing_.text()), "{}\t{}\t{}\t{}\t{}\n", frame.id, type.mimeType, object.tell(),
-                   frame.width, frame.height);
-    listing_.writeFullBlocks();
+    fmt::format_to(std::back_inserter(conversion_.text()), "{}\t{}\t{}\t{}\t{}\t{}\n", frame.id, type.mimeType,
+                   object.tell(), frame.width, frame.height, file.name());
+} catch (const mifhost::LimitReached &error) { // of this object: others may do
+    conversion_.addLoss(error.what());
+} catch (const OutputError &error) { // of the object's file, which the other documents do not share
+    throw mifhost::IoError("", std::nullopt, error.what());
 }
 
 // Copies an object of which the first firstCount bytes are in block_ already.
@@ -117,17 +87,17 @@ void Extraction::copy(mifhost::Object &object, std::size_t firstCount, OutputFil
     for (std::size_t count = firstCount; count > 0; count = object.read(block_)) {
         file.text().append(reinterpret_cast<const char *>(block_.data()), count);
         file.writeFullBlocks();
+        conversion_.keepGoing(count);
     }
 }
 
 } // namespace
 
-ExitCode runObjects(const Options &options)
+Command objectsCommand()
 {
-    const fs::path folder = options.folder;
-    return convertInputs(options, [&folder](mifhost::Document &document, OutputFile &listing) {
-        return Extraction(document, folder, listing).run();
-    });
+    return {.convert = [](Conversion &conversion) { Extraction(conversion).run(); },
+            .results = Results::Files,
+            .heading = "ID\tType\tSize\tWidth\tHeight\tFile\n"};
 }
 
 } // namespace mifread

@@ -1,11 +1,6 @@
-#include <string>
 #include <variant>
 
-#include <fmt/format.h>
-
 #include "command.h"
-#include "conversion.h"
-#include "mifhost/charset.h"
 
 namespace mifread
 {
@@ -36,27 +31,19 @@ struct TextWriter {
     }
 };
 
-bool writeText(mifhost::Document &document, OutputFile &output)
+void writeText(Conversion &conversion)
 {
-    mifhost::Windows1252 charset;
-    const TextWriter writer{charset, output.text()};
-    while (const mifhost::Token *token = document.next()) {
+    const TextWriter writer{conversion.charset(), conversion.text()};
+    while (const mifhost::Token *token = conversion.next()) {
         std::visit(writer, *token);
-        output.writeFullBlocks();
     }
-    if (charset.undefinedBytes() > 0) {
-        complain(fmt::format("{}: characters that Windows-1252 does not define were replaced by U+FFFD: {}",
-                             document.name(), charset.undefinedBytes()));
-        return false;
-    }
-    return true;
 }
 
 } // namespace
 
-ExitCode runText(const Options &options)
+Command textCommand()
 {
-    return convertInputs(options, writeText);
+    return {.convert = writeText, .extension = ".txt"};
 }
 
 } // namespace mifread

@@ -1,6 +1,5 @@
 #include "token_listing.h"
 
-#include <array>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -8,24 +7,13 @@
 
 #include <fmt/format.h>
 
+#include "token_names.h"
+
 namespace mifread
 {
 
 namespace
 {
-
-// The names of the enumerations' values, in their order.
-constexpr std::array<std::string_view, 4> alignmentNames = {"left", "right", "center", "left-right"};
-constexpr std::array<std::string_view, 3> tabKindNames = {"left", "right", "center"};
-constexpr std::array<std::string_view, 3> spacingNames = {"single", "one-and-half", "double"};
-constexpr std::array<std::string_view, 8> modeNames = {"bold",        "italic",    "underline",  "strike",
-                                                       "superscript", "subscript", "small-caps", "upper-case"};
-
-template <typename Names, typename Enum>
-std::string_view nameOf(const Names &names, Enum value)
-{
-    return names[static_cast<std::size_t>(value)];
-}
 
 // Between quotes, with escapes for what is no printable ASCII.
 void quote(std::string_view bytes, std::string &out)

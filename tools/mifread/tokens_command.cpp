@@ -1,5 +1,4 @@
 #include "command.h"
-#include "conversion.h"
 #include "token_listing.h"
 
 namespace mifread
@@ -8,21 +7,19 @@ namespace mifread
 namespace
 {
 
-bool listTokens(mifhost::Document &document, OutputFile &output)
+void listTokens(Conversion &conversion)
 {
-    TokenListing listing(document.fonts());
-    while (const mifhost::Token *token = document.next()) {
-        listing.append(*token, output.text());
-        output.writeFullBlocks();
+    TokenListing listing(conversion.document().fonts());
+    while (const mifhost::Token *token = conversion.next()) {
+        listing.append(*token, conversion.text());
     }
-    return true;
 }
 
 } // namespace
 
-ExitCode runTokens(const Options &options)
+Command tokensCommand()
 {
-    return convertInputs(options, listTokens);
+    return {.convert = listTokens, .extension = ".tokens"};
 }
 
 } // namespace mifread

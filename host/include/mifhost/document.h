@@ -59,6 +59,12 @@ public:
         return stream_.name();
     }
 
+    // The size of the document in bytes.
+    std::uint64_t size() const noexcept
+    {
+        return stream_.size();
+    }
+
     // How much of the document has been read: whole percent as the reader tells it, 0 to 100, and bytes.
     int percent() const noexcept
     {

@@ -25,7 +25,11 @@ struct FontFace {
 class FontRegistry
 {
 public:
-    // Returns the number of the family in the record, counted from 1, which is the answer to HOST_NOTIFY_FONT.
+    // So many families no honest document has.
+    static constexpr std::size_t mostFamilies = 10000;
+
+    // Returns the number of the family in the record, counted from 1, which is the answer to HOST_NOTIFY_FONT. It is 0
+    // for a new family when there are mostFamilies.
     std::uint32_t add(const MifFontRecord &record);
 
     // Returns the family by the number that a Font token carries, counted from 0, or null when there is none.

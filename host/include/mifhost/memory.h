@@ -50,6 +50,12 @@ public:
         return refusals_;
     }
 
+    // Counts refusals from 0 again: what was refused could be done without.
+    void forgetRefusals() noexcept
+    {
+        refusals_ = 0;
+    }
+
     // The limit given at construction; 0 means none.
     std::size_t limit() const noexcept
     {

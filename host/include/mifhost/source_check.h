@@ -12,9 +12,10 @@
 namespace mifhost
 {
 
-// Follows the statements of a document while a reader reads it and finds two kinds of loss: the document ends inside a
-// statement, and statements, or lines of embedded objects, that the reader drops because they are longer than its
-// source buffer. It sees every byte once, in order; bytes that a reader reads again are passed over.
+// Follows the statements of a document while a reader reads it and finds three kinds of loss: the document ends inside
+// a statement; statements, or lines of embedded objects, that the reader drops because they are longer than its source
+// buffer; and strings that it ends early at a NUL byte. It sees every byte once, in order; bytes that a reader reads
+// again are passed over.
 class SourceCheck
 {
 public:
@@ -64,6 +65,17 @@ public:
         return longestDropped_;
     }
 
+    // The strings that hold a NUL byte, which ends them for the reader: their number, and the position of the first
+    // such byte.
+    std::size_t cutStrings() const noexcept
+    {
+        return cutStrings_;
+    }
+    std::uint64_t firstCut() const noexcept
+    {
+        return firstCut_;
+    }
+
 private:
     enum class State : std::uint8_t {
         Between,     // between statements
@@ -104,6 +116,7 @@ private:
         return bytesSeen_ - static_cast<std::uint64_t>(chunkEnd_ - byte);
     }
     void closeStatement() noexcept;
+    void noteNul(const char *start, const char *end) noexcept;
     void noteLength(std::uint64_t start, const char *last) noexcept;
     void beginValue(std::string_view name) noexcept;
 
@@ -120,6 +133,11 @@ private:
     std::size_t objectDepth_ = 0; // statements open inside an embedded object
     std::uint64_t lineStart_ = 0; // Object: the position of this line's first byte
     bool isBlank_ = false;        // Object: only blanks have stood in this line, or in it before its facet or data
+
+    bool chunkHasNul_ = false; // the bytes being fed do
+    bool stringIsCut_ = false; // Quoted: a NUL byte was met
+    std::size_t cutStrings_ = 0;
+    std::uint64_t firstCut_ = 0;
 
     std::size_t droppedStatements_ = 0;
     std::uint64_t firstDropped_ = 0;

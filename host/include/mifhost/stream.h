@@ -125,13 +125,18 @@ private:
     int descriptor_;
 };
 
+// Makes an empty file without a name, which goes with its descriptor, in the system's folder for temporary files.
+// name  what it is for, for the message of the IoError that is thrown when there can be none
+FileDescriptor makeTemporaryFile(const std::string &name);
+
 // A file, read in large blocks. What cannot seek (a pipe, a device, standard input) is first copied whole to a
 // temporary file that has no name and goes with the object.
 class FileStream : public Stream
 {
 public:
     // path  the file to open; "-" is standard input
-    // Throws IoError when it cannot be opened or copied or is a directory, LimitReached when it holds 2 GiB or more.
+    // Throws IoError when it cannot be opened or copied or is a directory, LimitReached when it holds 2 GiB or more. A
+    // signal whose handler does not restart system calls ends the wait for a pipe with IoError.
     explicit FileStream(const std::string &path);
 
 private:

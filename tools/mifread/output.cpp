@@ -1,9 +1,11 @@
-#include "output_file.h"
+#include "output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,17 +16,50 @@ namespace mifread
 
 namespace fs = std::filesystem;
 
-OutputFile::OutputFile(const std::string &path) : name_(path == "-" ? "standard output" : path)
+void makeFolder(const fs::path &folder)
+{
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error) {
+        throw OutputError(folder, std::nullopt, "cannot make the folder: " + error.message());
+    }
+}
+
+Output::Output(std::string name) : name_(std::move(name))
+{
+    text_.reserve(2 * blockSize);
+}
+
+void Output::flush()
+{
+    open();
+    std::size_t done = 0;
+    while (done < text_.size()) {
+        const ssize_t count = ::write(file_.get(), text_.data() + done, text_.size() - done);
+        if (count < 0 && errno != EINTR) {
+            fail("cannot write");
+        }
+        done += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    written_ += done;
+    text_.clear();
+}
+
+void Output::fail(const char *what) const
+{
+    throw OutputError(name_, std::nullopt, std::string(what) + ": " + std::generic_category().message(errno));
+}
+
+OutputFile::OutputFile(const std::string &path) : Output(path == "-" ? "standard output" : path)
 {
     if (path == "-") {
         file_ = mifhost::FileDescriptor(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     } else {
-        open(path);
+        openPath(path);
     }
     if (file_.get() < 0) {
         fail("cannot open for writing");
     }
-    text_.reserve(2 * blockSize);
 }
 
 OutputFile::~OutputFile()
@@ -34,7 +69,7 @@ OutputFile::~OutputFile()
     }
 }
 
-void OutputFile::open(const std::string &path)
+void OutputFile::openPath(const std::string &path)
 {
     std::error_code ignored;
     const bool exists = fs::exists(path, ignored);
@@ -43,7 +78,7 @@ void OutputFile::open(const std::string &path)
         return;
     }
     // A link stays a link: the file that it leads to is replaced.
-    targetPath_ = exists ? fs::canonical(path, ignored).string() : path;
+    targetPath_ = exists || fs::is_symlink(path, ignored) ? fs::weakly_canonical(path, ignored).string() : path;
     const fs::path folder = fs::path(targetPath_).parent_path();
     const std::string stem = folder / (".mifread-" + std::to_string(getpid()) + "-");
     std::string temporary;
@@ -63,23 +98,9 @@ void OutputFile::open(const std::string &path)
     }
 }
 
-void OutputFile::flush()
-{
-    std::size_t done = 0;
-    while (done < text_.size()) {
-        const ssize_t count = ::write(file_.get(), text_.data() + done, text_.size() - done);
-        if (count < 0 && errno != EINTR) {
-            fail("cannot write");
-        }
-        done += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    written_ += done;
-    text_.clear();
-}
-
 void OutputFile::keepPart() noexcept
 {
-    kept_ = written_ + text_.size();
+    kept_ = size();
 }
 
 void OutputFile::dropPart()
@@ -116,9 +137,39 @@ void OutputFile::commit()
     temporaryPath_.clear();
 }
 
-void OutputFile::fail(const char *what) const
+OutputPart::OutputPart() : Output("a temporary file") {}
+
+void OutputPart::open()
 {
-    throw OutputError(name_, std::nullopt, std::string(what) + ": " + std::generic_category().message(errno));
+    if (file_.get() < 0) {
+        file_ = mifhost::makeTemporaryFile(name_);
+    }
+}
+
+void OutputPart::moveTo(Output &output)
+{
+    if (written_ > 0) {
+        flush();
+        std::uint64_t position = 0;
+        while (position < written_) {
+            std::string &target = output.text();
+            const std::size_t start = target.size();
+            target.resize(start + blockSize);
+            const ssize_t count = pread(file_.get(), target.data() + start, blockSize, static_cast<off_t>(position));
+            target.resize(start + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+            if (count == 0 || (count < 0 && errno != EINTR)) {
+                fail("cannot read");
+            }
+            position += static_cast<std::uint64_t>(std::max<ssize_t>(count, 0));
+            output.writeFullBlocks();
+        }
+        file_.close();
+        written_ = 0;
+        return;
+    }
+    output.text() += text_;
+    output.writeFullBlocks();
+    text_.clear();
 }
 
 } // namespace mifread

@@ -1,0 +1,40 @@
+// What the host library needs of the operating system and the C++ library does not offer.
+#ifndef MIFHOST_SYSTEM_H
+#define MIFHOST_SYSTEM_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace mifhost::system
+{
+
+// Files. Descriptors are those of the C library, opened for bytes and not inherited by programs that are started. What
+// fails returns -1 and sets errno.
+
+int openForReading(const std::string &path) noexcept;
+
+// A descriptor of its own for the file that is standard input, above those of the standard streams.
+int openStandardInput() noexcept;
+
+// An empty file in the folder, which goes with its descriptor.
+int openTemporary(const std::string &folder);
+
+// Reads up to count bytes, less than 2 GiB, at a position. Returns their number, 0 at the end.
+std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint64_t position) noexcept;
+
+// Shared libraries. Null when there is none; lastLoaderError() then says why.
+
+void *loadLibrary(const std::string &path) noexcept;
+void *findFunction(void *library, const char *name) noexcept;
+void unloadLibrary(void *library) noexcept;
+std::string lastLoaderError();
+
+// The characters of the bytes 0x80 to 0xFF of Windows-1252 in UTF-8, each at most 3 bytes; empty for a byte that stands
+// for none. Throws Error when the system does not know the character set.
+std::array<std::string, 128> upperHalfOfWindows1252();
+
+} // namespace mifhost::system
+
+#endif

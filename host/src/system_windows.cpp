@@ -1,0 +1,90 @@
+#include "system.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <system_error>
+
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#include <windows.h>
+
+namespace mifhost::system
+{
+
+namespace
+{
+
+constexpr int ownBytes = _O_BINARY | _O_NOINHERIT;
+
+} // namespace
+
+int openForReading(const std::string &path) noexcept
+{
+    return _open(path.c_str(), _O_RDONLY | ownBytes);
+}
+
+int openStandardInput() noexcept
+{
+    _setmode(_fileno(stdin), _O_BINARY);
+    return _dup(_fileno(stdin));
+}
+
+int openTemporary(const std::string &folder)
+{
+    std::string path = folder + "\\mifhost-XXXXXX";
+    if (_mktemp_s(path.data(), path.size() + 1) != 0) {
+        errno = EEXIST;
+        return -1;
+    }
+    return _open(path.c_str(), _O_RDWR | _O_CREAT | _O_EXCL | _O_TEMPORARY | ownBytes, _S_IREAD | _S_IWRITE);
+}
+
+std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint64_t position) noexcept
+{
+    if (_lseeki64(file, static_cast<std::int64_t>(position), SEEK_SET) < 0) {
+        return -1;
+    }
+    return _read(file, destination, static_cast<unsigned>(count));
+}
+
+void *loadLibrary(const std::string &path) noexcept
+{
+    return LoadLibraryA(path.c_str());
+}
+
+void *findFunction(void *library, const char *name) noexcept
+{
+    return reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+
+void unloadLibrary(void *library) noexcept
+{
+    FreeLibrary(static_cast<HMODULE>(library));
+}
+
+std::string lastLoaderError()
+{
+    return std::system_category().message(static_cast<int>(GetLastError()));
+}
+
+std::array<std::string, 128> upperHalfOfWindows1252()
+{
+    constexpr UINT windows1252 = 1252;
+    std::array<std::string, 128> characters;
+    for (std::size_t i = 0; i < characters.size(); ++i) {
+        const char byte = static_cast<char>(0x80 + i);
+        wchar_t character = 0;
+        std::array<char, 4> bytes{};
+        MultiByteToWideChar(windows1252, 0, &byte, 1, &character, 1);
+        if (character < 0xA0) {
+            continue; // a control character: Windows has nothing better for a byte that stands for none
+        }
+        const int length = WideCharToMultiByte(CP_UTF8, 0, &character, 1, bytes.data(), bytes.size(), nullptr, nullptr);
+        characters[i].assign(bytes.data(), static_cast<std::size_t>(length));
+    }
+    return characters;
+}
+
+} // namespace mifhost::system

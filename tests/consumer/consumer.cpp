@@ -1,0 +1,23 @@
+// Prints the text of a document, as mifread does.
+#include <iostream>
+#include <variant>
+
+#include <mifhost/mifhost.h>
+
+int main(int, char **arguments)
+{
+    mifhost::FileStream stream(arguments[1]);
+    mifhost::Document document(stream);
+    mifhost::Windows1252 charset;
+    std::string text;
+    while (const mifhost::Token *token = document.next()) {
+        if (const auto *run = std::get_if<mifhost::Text>(token)) {
+            charset.append(run->bytes, text);
+        } else if (std::holds_alternative<mifhost::Tab>(*token)) {
+            text += '\t';
+        } else if (std::holds_alternative<mifhost::LineBreak>(*token)) {
+            text += '\n';
+        }
+    }
+    std::cout << text;
+}

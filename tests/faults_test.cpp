@@ -1,0 +1,144 @@
+// Hosts that fail, at every place where they can: no document suffers more than it must, and the library nothing.
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "support/documents.h"
+#include "support/test_host.h"
+
+using namespace miftest;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+// So many faults of one kind are tried on one document, at even distances.
+constexpr size_t mostFaults = 700;
+
+// What must hold whatever the host did; the host itself checks the rest.
+void expectUnharmed(const Conversion &conversion)
+{
+    EXPECT_TRUE(isWhole(conversion));
+    EXPECT_TRUE(conversion.result == 6 || conversion.percent == 100);
+}
+
+// Calls back with each fault of `count` operations, once and for good.
+template <typename Check>
+void forEachFault(const fs::path &path, size_t count, Check &&check)
+{
+    const size_t stride = count / mostFaults + 1;
+    for (size_t number = 1; number <= count; number += stride) {
+        for (const bool forGood : {false, true}) {
+            SCOPED_TRACE(path.string() + ", fault " + std::to_string(number) + (forGood ? " and all later ones" : ""));
+            check(Failing{number, forGood});
+        }
+    }
+}
+
+} // namespace
+
+TEST(Faults, EveryAllocation)
+{
+    for (const fs::path &path : testDocuments()) {
+        const std::string document = readFile(path);
+        for (const ObjectUse objects : {ObjectUse::none, ObjectUse::readWhole}) {
+            // A small buffer makes tokens wait in memory too.
+            const Conversion whole = convert(document, {.bufferSize = 4200, .objects = objects});
+            forEachFault(path, whole.work.allocations, [&](const Failing &failing) {
+                const Conversion conversion =
+                    convert(document, {.bufferSize = 4200, .objects = objects, .allocation = failing});
+                expectUnharmed(conversion);
+                EXPECT_TRUE(!failing.forGood || objects != ObjectUse::none || conversion.result == 6);
+            });
+        }
+    }
+}
+
+// A refused node of the statement stack or a waiting token ends the document. Only a refused record of a text rectangle
+// does not, without which there is no document text.
+TEST(Faults, NoTextIsLostWithoutAFailure)
+{
+    const std::string document =
+        "<MIFFile 5><Page <PageType BodyPage> <TextRect <ID 9>>><TextRectID 9>"
+        "<Para <ParaLine <String `a\\t\\t\\t\\tb'> <Char Tab> <String `c'>>><Para <String `d'>>";
+    for (const uint32_t bufferSize : {40U, 1000U}) {
+        const size_t allocations = convert(document, {.bufferSize = bufferSize}).work.allocations;
+        size_t survived = 0;
+        for (size_t number = 1; number <= allocations; ++number) {
+            const Conversion conversion = convert(document, {.bufferSize = bufferSize, .allocation = {number}});
+            survived += conversion.result == 0 ? 1 : 0;
+            EXPECT_TRUE(conversion.result == 6 || conversion.stream.size() == 53) << number;
+        }
+        EXPECT_EQ(survived, 1U);
+    }
+}
+
+// A short read is none of a stream's faults; any other answer ends the document there.
+TEST(Faults, EveryRead)
+{
+    for (const fs::path &path : testDocuments()) {
+        const std::string document = readFile(path);
+        for (const size_t bytesPerRead : {size_t{97}, size_t{1500}}) {
+            const Conversion whole = convert(document, {.bytesPerRead = bytesPerRead});
+            forEachFault(path, whole.work.reads, [&](const Failing &failing) {
+                for (const ReadAnswer answer :
+                     {ReadAnswer::nothing, ReadAnswer::oneByte, ReadAnswer::moreThanAsked, ReadAnswer::errorValue}) {
+                    const Conversion conversion =
+                        convert(document, {.bytesPerRead = bytesPerRead, .read = failing, .answer = answer});
+                    expectUnharmed(conversion);
+                    EXPECT_TRUE(whole.stream.starts_with(conversion.stream));
+                    EXPECT_TRUE(answer != ReadAnswer::oneByte || conversion.stream.size() == whole.stream.size());
+                }
+            });
+        }
+    }
+}
+
+TEST(Faults, EverySeek)
+{
+    for (const fs::path &path : testDocuments()) {
+        const std::string document = readFile(path);
+        for (const ObjectUse objects : {ObjectUse::none, ObjectUse::readWhole}) {
+            const Conversion whole = convert(document, {.bufferSize = 4096, .objects = objects});
+            forEachFault(path, whole.work.seeks, [&](const Failing &failing) {
+                expectUnharmed(convert(document, {.bufferSize = 4096, .objects = objects, .seek = failing}));
+            });
+        }
+    }
+}
+
+// The stream is shorter or longer than it was said to be.
+TEST(Faults, SizesThatAreNotTrue)
+{
+    for (const fs::path &path : testDocuments()) {
+        const std::string document = readFile(path);
+        const std::string whole = convert(document).stream;
+        const size_t stride = document.size() / mostFaults + 1;
+        for (size_t stated = 1; stated < 2 * document.size(); stated += stride) {
+            const Conversion conversion = convert(document, {.statedSize = static_cast<int32_t>(stated)});
+            expectUnharmed(conversion);
+            EXPECT_TRUE(stated < document.size() || conversion.stream == whole) << path << ' ' << stated;
+        }
+        EXPECT_TRUE(convert(document, {.statedSize = INT32_MAX}).stream == whole) << path;
+        EXPECT_EQ(convert(document, {.statedSize = -1}).result, 6);
+    }
+}
+
+// Objects are opened, sought beyond their ends, read and not closed after every call.
+TEST(Faults, ObjectsUsedAgainstTheRules)
+{
+    for (const fs::path &path : testDocuments()) {
+        const std::string document = readFile(path);
+        const uint32_t largest = largestToken(convert(document).stream);
+        for (const uint32_t bufferSize : {largest, 1000U, 65536U}) {
+            for (const size_t bytesPerRead : {size_t{1}, size_t{97}, SIZE_MAX}) {
+                SCOPED_TRACE(path.string() + ", buffer " + std::to_string(bufferSize));
+                expectUnharmed(convert(document, {.bytesPerRead = bytesPerRead,
+                                                  .bufferSize = std::max(bufferSize, largest),
+                                                  .objects = ObjectUse::anything}));
+            }
+        }
+    }
+}

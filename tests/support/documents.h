@@ -1,0 +1,45 @@
+// The documents that the sweeps go over.
+#ifndef MIFREADER_TESTS_DOCUMENTS_H
+#define MIFREADER_TESTS_DOCUMENTS_H
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace miftest
+{
+
+// All documents of the given folder, in the order of their names.
+inline std::vector<std::filesystem::path> documentsIn(const std::filesystem::path &folder)
+{
+    std::vector<std::filesystem::path> paths;
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == ".mif") {
+            paths.push_back(entry.path());
+        }
+    }
+    std::sort(paths.begin(), paths.end());
+    EXPECT_FALSE(paths.empty()) << folder;
+    return paths;
+}
+
+inline std::vector<std::filesystem::path> testDocuments()
+{
+    return documentsIn(MIFREADER_TEST_DOCUMENTS);
+}
+
+// Those and the examples.
+inline std::vector<std::filesystem::path> allDocuments()
+{
+    std::vector<std::filesystem::path> paths = testDocuments();
+    for (const std::filesystem::path &path : documentsIn(MIFREADER_EXAMPLES)) {
+        paths.push_back(path);
+    }
+    return paths;
+}
+
+} // namespace miftest
+
+#endif

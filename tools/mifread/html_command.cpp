@@ -1,0 +1,29 @@
+#include "command.h"
+#include "html_frame.h"
+#include "html_writer.h"
+
+namespace mifread
+{
+
+namespace
+{
+
+void writePage(Conversion &conversion)
+{
+    const mifhost::Document &document = conversion.document();
+    const auto showFrame = [&conversion](const mifhost::Frame &frame) { writeHtmlFrame(conversion, frame); };
+    HtmlWriter writer(document.name(), document.fonts(), conversion.charset(), showFrame, conversion.text());
+    while (const mifhost::Token *token = conversion.next()) {
+        writer.write(*token);
+    }
+    writer.finish();
+}
+
+} // namespace
+
+Command htmlCommand()
+{
+    return {.convert = writePage, .results = Results::Single, .extension = ".html"};
+}
+
+} // namespace mifread

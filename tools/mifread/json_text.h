@@ -1,0 +1,26 @@
+// Strings and values of JSON.
+#ifndef MIFREAD_JSON_TEXT_H
+#define MIFREAD_JSON_TEXT_H
+
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+#include "mifhost/charset.h"
+
+namespace mifread
+{
+
+// Appends a document's text, bytes of Windows-1252, to out as a JSON string with its quotes, in UTF-8.
+void appendJsonText(std::string_view text, mifhost::Windows1252 &charset, std::string &out);
+
+// An object keeps its members in the order in which they were added.
+using Json = nlohmann::ordered_json;
+
+// The value on one line. Its strings may hold any bytes, as paths do: what is not UTF-8 in them becomes U+FFFD.
+std::string dumpJson(const Json &value);
+
+} // namespace mifread
+
+#endif

@@ -1,0 +1,40 @@
+// What the arguments say.
+#ifndef MIFREAD_OPTIONS_H
+#define MIFREAD_OPTIONS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace mifread
+{
+
+enum class ExitCode {
+    Success = 0,
+    Losses = 1, // converted, but not everything: pieces or documents are missing; or inputs failed in different ways
+    Usage = 2,
+    Io = 3,     // cannot open, read or write; a plug-in that cannot be used
+    NotMif = 4, // refused
+    Limit = 5   // a limit was reached
+};
+
+struct Options {
+    std::vector<std::string> inputs; // paths; "-" is standard input
+    bool recursive = false;          // take the documents in folders
+    std::string output = "-";        // a path; "-" is standard output
+    std::string folder;              // a path; where results go as files of their own; empty for none
+    std::string report;              // a path; where the account of the run goes; empty for none
+    unsigned jobs = 0;               // documents at once; 0 for as many as there are processors
+    bool quiet = false;              // no progress, no summary
+    bool failFast = false;           // stop at the first document that fails
+
+    std::uint32_t bufferSize = 64 * 1024;                    // bytes
+    std::string plugin;                                      // a path; empty: the reader the program is linked with
+    std::size_t maxMemory = std::size_t{1024} * 1024 * 1024; // bytes of the reader's memory for a document; 0: no limit
+    std::uint64_t maxOutput = 0; // bytes written for a document; 0: in proportion to the document
+};
+
+} // namespace mifread
+
+#endif

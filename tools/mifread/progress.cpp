@@ -1,0 +1,121 @@
+#include "progress.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <cstdio>
+#include <system_error>
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <unistd.h>
+
+namespace mifread
+{
+
+namespace
+{
+
+constexpr auto interval = std::chrono::milliseconds(100);
+constexpr int barWidth = 24;
+
+// A number of bytes in at most six characters and its unit.
+std::string humanSize(double bytes)
+{
+    constexpr std::string_view units = "BKMGT";
+    std::size_t unit = 0;
+    while (bytes >= 999.5 && unit + 1 < units.size()) {
+        bytes /= 1024;
+        ++unit;
+    }
+    return unit == 0 ? fmt::format("{:.0f} B", bytes) : fmt::format("{:.1f} {}B", bytes, units[unit]);
+}
+
+// A message that nobody can see is no reason to fail.
+void show(const std::string &text)
+{
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+}
+
+} // namespace
+
+Progress::Progress(bool shown, std::uint64_t bytes, std::size_t documents) : bytes_(bytes), documents_(documents)
+{
+    if (!shown) {
+        return;
+    }
+    try {
+        painter_ = std::jthread([this](const std::stop_token &stop) { run(stop); });
+    } catch (const std::system_error &) { // no thread to be had: no bar
+    }
+}
+
+Progress::~Progress()
+{
+    if (painter_.joinable()) {
+        painter_.request_stop();
+        painter_.join();
+    }
+    erase();
+}
+
+void Progress::complain(std::string_view message)
+{
+    const std::lock_guard lock(screen_);
+    erase();
+    std::string line = fmt::format("mifread: {}", message);
+    // Names may hold what would move the cursor or forge a line.
+    std::replace_if(
+        line.begin(), line.end(), [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
+    show(line + '\n');
+}
+
+void Progress::run(const std::stop_token &stop)
+{
+    std::unique_lock lock(screen_);
+    std::condition_variable_any ended;
+    // A run that is over at once shows nothing.
+    while (!ended.wait_for(lock, stop, interval, [] { return false; }) && !stop.stop_requested()) {
+        draw();
+    }
+}
+
+void Progress::draw()
+{
+    show(fmt::format("\r{}\x1b[K", line()));
+    isDrawn_ = true;
+}
+
+void Progress::erase()
+{
+    if (isDrawn_) {
+        show("\r\x1b[K");
+        isDrawn_ = false;
+    }
+}
+
+std::string Progress::line() const
+{
+    const auto done = static_cast<double>(bytesDone_.load());
+    // Standard input and files that grow have no size that is known before.
+    const double all = std::max(static_cast<double>(bytes_), done);
+    const double share = all > 0 ? done / all : 0;
+    const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+    const int filled = static_cast<int>(share * barWidth);
+    std::string text =
+        fmt::format("[{:#<{}}{:{}}] {:3.0f}%  {} of {}  {}/{} documents", "", filled, "", barWidth - filled,
+                    100 * share, humanSize(done), humanSize(all), documentsDone_.load(), documents_);
+    if (done > 0) {
+        const auto left = std::chrono::seconds(static_cast<std::int64_t>(seconds * (all - done) / done));
+        text += fmt::format("  {}/s  {:%H:%M:%S} left", humanSize(done / seconds), left);
+    }
+    return text;
+}
+
+bool canShowProgress(const std::string &output)
+{
+    return isatty(STDERR_FILENO) == 1 && (output != "-" || isatty(STDOUT_FILENO) == 0);
+}
+
+} // namespace mifread
