@@ -51,12 +51,51 @@ std::intptr_t tellStream(HostStream *stream)
     return static_cast<std::intptr_t>(streamOf(stream).position);
 }
 
-HostServices heapServices()
+// The host's memory. A small block that is given back waits for the next one of its size, so that the reader is
+// measured and not the heap.
+union Block {
+    Block *next;       // of those that wait
+    std::size_t units; // of one in use, whose bytes stand behind it
+    std::max_align_t alignment;
+};
+
+std::array<Block *, 64> waitingBlocks; // by their size in units, for all conversions
+
+void *allocateBlock(std::size_t size)
+{
+    const std::size_t units = 1 + (size + sizeof(Block) - 1) / sizeof(Block);
+    Block *block = nullptr;
+    if (units < waitingBlocks.size() && waitingBlocks[units] != nullptr) {
+        block = waitingBlocks[units];
+        waitingBlocks[units] = block->next;
+    } else if ((block = static_cast<Block *>(std::malloc(units * sizeof(Block)))) == nullptr) {
+        return nullptr;
+    }
+    block->units = units;
+    return block + 1;
+}
+
+void freeBlock(void *bytes)
+{
+    Block *block = static_cast<Block *>(bytes) - 1;
+    const std::size_t units = block->units;
+    if (units < waitingBlocks.size()) {
+        block->next = waitingBlocks[units];
+        waitingBlocks[units] = block;
+    } else {
+        std::free(block);
+    }
+}
+
+HostServices memoryServices()
 {
     HostServices services{};
-    services.allocate = [](void *, std::size_t size) { return std::malloc(size); };
-    services.allocateZeroed = [](void *, std::size_t count, std::size_t size) { return std::calloc(count, size); };
-    services.free = [](void *, void *block) { std::free(block); };
+    services.allocate = [](void *, std::size_t size) { return allocateBlock(size); };
+    services.allocateZeroed = [](void *, std::size_t count, std::size_t size) {
+        void *bytes = allocateBlock(count * size);
+        return bytes != nullptr ? std::memset(bytes, 0, count * size) : nullptr;
+    };
+    services.free = [](void *, void *bytes) { freeBlock(bytes); };
     return services;
 }
 
@@ -67,7 +106,7 @@ bool convert(std::string_view mif)
     static std::array<std::uint8_t, bufferSize> buffer;
     MifReaderInterface reader{};
     mifGetReaderInterface(&reader);
-    HostServices services = heapServices();
+    HostServices services = memoryServices();
     MemoryStream stream{{}, mif, 0};
     stream.record.read = readStream;
     stream.record.seek = seekStream;
