@@ -41,11 +41,10 @@ bool prepareStretch(MifContext *context)
     if (mifReadSourceFile(context) != 0) {
         return true;
     }
-    if (context->replay.readingStretch != 0) {
-        // A table without an end: its replay has read the rest of the document.
-        context->replay.readingStretch = 0;
-        context->source.bytesRead = context->source.totalSize;
-    }
+    // Nor is anything read later, behind a read that failed or behind a table without an end, whose replay has read the
+    // rest of the document.
+    context->replay.readingStretch = 0;
+    context->source.bytesRead = context->source.totalSize;
     return false;
 }
 
