@@ -121,26 +121,14 @@ void JsonLines::begin(const std::string &name, std::uint64_t size)
 void JsonLines::append(const mifhost::Token &token)
 {
     if (const auto *font = std::get_if<mifhost::Font>(&token)) {
-        introduceFont(font->number);
+        if (const mifhost::FontFace *face = fonts_.firstUse(font->number)) {
+            fmt::format_to(std::back_inserter(out_), R"({{"type":"font-face","number":{},"name":)", font->number);
+            appendJsonText(face->name, charset_, out_);
+            fmt::format_to(std::back_inserter(out_), R"(,"class":"{}"}})", mifhost::fontClassName(face->familyClass));
+            out_ += '\n';
+        }
     }
     std::visit(Line(charset_, out_), token);
-}
-
-void JsonLines::introduceFont(std::uint32_t number)
-{
-    const mifhost::FontFace *face = fonts_.find(number);
-    if (face == nullptr) {
-        return;
-    }
-    isIntroduced_.resize(fonts_.size());
-    if (isIntroduced_[number]) {
-        return;
-    }
-    isIntroduced_[number] = true;
-    fmt::format_to(std::back_inserter(out_), R"({{"type":"font-face","number":{},"name":)", number);
-    appendJsonText(face->name, charset_, out_);
-    fmt::format_to(std::back_inserter(out_), R"(,"class":"{}"}})", mifhost::fontClassName(face->familyClass));
-    out_ += '\n';
 }
 
 void JsonLines::beginObject(std::string_view id, std::string_view mimeType)

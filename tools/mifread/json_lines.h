@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base64.h"
+#include "font_introductions.h"
 #include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
@@ -46,12 +47,9 @@ public:
     void end(std::string_view status, const std::vector<std::string> &messages);
 
 private:
-    void introduceFont(std::uint32_t number);
-
-    const mifhost::FontRegistry &fonts_;
+    FontIntroductions fonts_;
     mifhost::Windows1252 &charset_;
     std::string &out_;
-    std::vector<bool> isIntroduced_; // by font number
     Base64Encoder encoder_;
     bool objectIsOpen_ = false;
     std::uint64_t objectSize_ = 0; // bytes of the open object so far

@@ -130,25 +130,13 @@ private:
 void TokenListing::append(const mifhost::Token &token, std::string &out)
 {
     if (const auto *font = std::get_if<mifhost::Font>(&token)) {
-        introduceFont(font->number, out);
+        if (const mifhost::FontFace *face = fonts_.firstUse(font->number)) {
+            fmt::format_to(std::back_inserter(out), "# font {} ", font->number);
+            quote(face->name, out);
+            fmt::format_to(std::back_inserter(out), " class={}\n", mifhost::fontClassName(face->familyClass));
+        }
     }
     std::visit(Line(out), token);
-}
-
-void TokenListing::introduceFont(std::uint32_t number, std::string &out)
-{
-    const mifhost::FontFace *face = fonts_.find(number);
-    if (face == nullptr) {
-        return;
-    }
-    isIntroduced_.resize(fonts_.size());
-    if (isIntroduced_[number]) {
-        return;
-    }
-    isIntroduced_[number] = true;
-    fmt::format_to(std::back_inserter(out), "# font {} ", number);
-    quote(face->name, out);
-    fmt::format_to(std::back_inserter(out), " class={}\n", mifhost::fontClassName(face->familyClass));
 }
 
 } // namespace mifread

@@ -3,8 +3,8 @@
 #define MIFREAD_TOKEN_LISTING_H
 
 #include <string>
-#include <vector>
 
+#include "font_introductions.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
 
@@ -23,10 +23,7 @@ public:
     void append(const mifhost::Token &token, std::string &out);
 
 private:
-    void introduceFont(std::uint32_t number, std::string &out);
-
-    const mifhost::FontRegistry &fonts_;
-    std::vector<bool> isIntroduced_; // by font number
+    FontIntroductions fonts_;
 };
 
 } // namespace mifread
