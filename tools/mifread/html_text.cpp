@@ -4,11 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <iterator>
-#include <memory>
-#include <type_traits>
 
 #include <fmt/format.h>
-#include <iconv.h>
 
 namespace mifread
 {
@@ -79,35 +76,37 @@ void appendEscaped(std::string_view bytes, std::string &out, const AppendRun &ap
     }
 }
 
-struct CloseConverter {
-    void operator()(iconv_t converter) const noexcept
-    {
-        iconv_close(converter);
+// Returns the length of the UTF-8 character that text begins with, 0 when it begins with none.
+std::size_t characterLength(std::string_view text)
+{
+    const auto lead = static_cast<unsigned char>(text.front());
+    if (lead < 0x80) {
+        return 1;
     }
-};
-using Converter = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseConverter>;
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
+        return 0;
+    }
+    const auto isTrail = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; };
+    if (!std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length), isTrail)) {
+        return 0;
+    }
+    // Behind some first bytes there are forms that are too long, surrogates, or what lies beyond U+10FFFF.
+    const auto second = static_cast<unsigned char>(text[1]);
+    const bool isTooLow = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
+    const bool isTooHigh = (lead == 0xED && second > 0x9F) || (lead == 0xF4 && second > 0x8F);
+    return isTooLow || isTooHigh ? 0 : length;
+}
 
-// Returns text with everything replaced that is not UTF-8.
+// Returns text with every byte replaced that is not part of a UTF-8 character.
 std::string validUtf8(std::string_view text)
 {
-    const Converter converter(iconv_open("UTF-8", "UTF-8"));
-    std::string source(text);
-    std::string valid(text.size() * replacement.size(), '\0');
-    char *next = source.data();
-    std::size_t left = source.size();
-    char *target = valid.data();
-    std::size_t targetLeft = valid.size();
-    while (left > 0) {
-        iconv(converter.get(), &next, &left, &target, &targetLeft);
-        if (left == 0) {
-            break;
-        }
-        target = std::copy(replacement.begin(), replacement.end(), target);
-        targetLeft -= replacement.size();
-        ++next;
-        --left;
+    std::string valid;
+    while (!text.empty()) {
+        const std::size_t length = characterLength(text);
+        valid += length > 0 ? text.substr(0, length) : replacement;
+        text.remove_prefix(std::max<std::size_t>(length, 1));
     }
-    valid.resize(valid.size() - targetLeft);
     return valid;
 }
 
