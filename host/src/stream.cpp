@@ -84,10 +84,12 @@ FileDescriptor makeTemporaryFile(const std::string &name)
     if (error) {
         folder = "/tmp";
     }
-    FileDescriptor file(system::openTemporary(folder.string()));
+    FileDescriptor file(system::openTemporary(folder));
     if (file.get() < 0) {
+        const std::u8string text = folder.u8string();
         throw IoError(name, std::nullopt,
-                      "cannot make a temporary file in " + folder.string() + ": " + systemMessage(errno));
+                      "cannot make a temporary file in " + std::string(text.begin(), text.end()) + ": " +
+                          systemMessage(errno));
     }
     return file;
 }

@@ -5,28 +5,29 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace mifhost::system
 {
 
 // Files. Descriptors are those of the C library, opened for bytes and not inherited by programs that are started. What
-// fails returns -1 and sets errno.
+// fails returns -1 and sets errno. Paths are UTF-8 where the system does not take them for bytes.
 
-int openForReading(const std::string &path) noexcept;
+int openForReading(const std::string &path);
 
 // A descriptor of its own for the file that is standard input, above those of the standard streams.
 int openStandardInput() noexcept;
 
 // An empty file in the folder, which goes with its descriptor.
-int openTemporary(const std::string &folder);
+int openTemporary(const std::filesystem::path &folder);
 
 // Reads up to count bytes, less than 2 GiB, at a position. Returns their number, 0 at the end.
 std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint64_t position) noexcept;
 
 // Shared libraries. Null when there is none; lastLoaderError() then says why.
 
-void *loadLibrary(const std::string &path) noexcept;
+void *loadLibrary(const std::string &path);
 void *findFunction(void *library, const char *name) noexcept;
 void unloadLibrary(void *library) noexcept;
 std::string lastLoaderError();

@@ -40,7 +40,7 @@ Converter openConverter()
 
 } // namespace
 
-int openForReading(const std::string &path) noexcept
+int openForReading(const std::string &path)
 {
     return open(path.c_str(), O_RDONLY | O_CLOEXEC);
 }
@@ -50,9 +50,9 @@ int openStandardInput() noexcept
     return fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
-int openTemporary(const std::string &folder)
+int openTemporary(const std::filesystem::path &folder)
 {
-    std::string path = folder + "/mifhost-XXXXXX";
+    std::string path = folder / "mifhost-XXXXXX";
     const int file = mkostemp(path.data(), O_CLOEXEC);
     if (file >= 0) {
         unlink(path.c_str());
@@ -69,7 +69,7 @@ std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint6
     return delivered;
 }
 
-void *loadLibrary(const std::string &path) noexcept
+void *loadLibrary(const std::string &path)
 {
     return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
 }

@@ -18,11 +18,20 @@ namespace
 
 constexpr int ownBytes = _O_BINARY | _O_NOINHERIT;
 
+// What is not UTF-8 becomes U+FFFD.
+std::wstring utf16(const std::string &text)
+{
+    const auto size = static_cast<int>(text.size());
+    std::wstring result(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0)), 0);
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), size, result.data(), static_cast<int>(result.size()));
+    return result;
+}
+
 } // namespace
 
-int openForReading(const std::string &path) noexcept
+int openForReading(const std::string &path)
 {
-    return _open(path.c_str(), _O_RDONLY | ownBytes);
+    return _wopen(utf16(path).c_str(), _O_RDONLY | ownBytes);
 }
 
 int openStandardInput() noexcept
@@ -31,14 +40,14 @@ int openStandardInput() noexcept
     return _dup(_fileno(stdin));
 }
 
-int openTemporary(const std::string &folder)
+int openTemporary(const std::filesystem::path &folder)
 {
-    std::string path = folder + "\\mifhost-XXXXXX";
-    if (_mktemp_s(path.data(), path.size() + 1) != 0) {
-        errno = EEXIST;
+    std::array<wchar_t, MAX_PATH> path{};
+    if (GetTempFileNameW(folder.c_str(), L"mif", 0, path.data()) == 0) { // makes the file, too
+        errno = EACCES;
         return -1;
     }
-    return _open(path.c_str(), _O_RDWR | _O_CREAT | _O_EXCL | _O_TEMPORARY | ownBytes, _S_IREAD | _S_IWRITE);
+    return _wopen(path.data(), _O_RDWR | _O_TEMPORARY | ownBytes);
 }
 
 std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint64_t position) noexcept
@@ -49,9 +58,9 @@ std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint6
     return _read(file, destination, static_cast<unsigned>(count));
 }
 
-void *loadLibrary(const std::string &path) noexcept
+void *loadLibrary(const std::string &path)
 {
-    return LoadLibraryA(path.c_str());
+    return LoadLibraryW(utf16(path).c_str());
 }
 
 void *findFunction(void *library, const char *name) noexcept

@@ -134,7 +134,7 @@ FileDescriptor makeTemporaryFile(const std::string &name);
 class FileStream : public Stream
 {
 public:
-    // path  the file to open; "-" is standard input
+    // path  the file to open, on Windows in UTF-8; "-" is standard input
     // Throws IoError when it cannot be opened or copied or is a directory, LimitReached when it holds 2 GiB or more. A
     // signal whose handler does not restart system calls ends the wait for a pipe with IoError.
     explicit FileStream(const std::string &path);
