@@ -23,6 +23,7 @@
 #include "mifhost/plugin.h"
 #include "mifhost/stream.h"
 #include "output.h"
+#include "paths.h"
 #include "progress.h"
 #include "report.h"
 
@@ -44,7 +45,7 @@ constexpr std::size_t waitingParts = 4;
 
 fs::path resultPath(const Input &input, const Options &options, const Command &command)
 {
-    fs::path path = fs::path(options.folder) / input.result;
+    fs::path path = pathOf(options.folder) / input.result;
     path += command.extension;
     return path;
 }
@@ -62,7 +63,7 @@ std::vector<std::string> listOutputs(const std::vector<Input> &inputs, const Opt
     }
     for (const Input &input : inputs) {
         if (input.failure.empty()) {
-            outputs.push_back(resultPath(input, options, command));
+            outputs.push_back(textOf(resultPath(input, options, command)));
         }
     }
     return outputs;
@@ -293,10 +294,10 @@ void Batch::convertToFile(Job &job)
 {
     const fs::path path = resultPath(*job.input, options_, command_);
     makeFolder(path.parent_path());
-    OutputFile file(path);
+    OutputFile file(textOf(path));
     convertTo(job, file);
     file.commit();
-    job.outcome.result = path;
+    job.outcome.result = file.name();
 }
 
 void Batch::convertTo(Job &job, Output &output)
@@ -323,7 +324,8 @@ void Batch::convertTo(Job &job, Output &output)
 fs::path Batch::folderOf(const Input &input) const
 {
     const bool isAlone = options_.inputs.size() == 1 && !options_.recursive;
-    return isAlone ? fs::path(options_.folder) : options_.folder / input.result;
+    const fs::path folder = pathOf(options_.folder);
+    return isAlone ? folder : folder / input.result;
 }
 
 void Batch::finish(Job &job)

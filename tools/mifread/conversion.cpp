@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
+#include <cstddef>
 #include <optional>
 #include <utility>
 
@@ -10,6 +10,7 @@
 
 #include "mifhost/error.h"
 #include "mifhost/source_check.h"
+#include "system.h"
 
 namespace mifread
 {
@@ -47,18 +48,7 @@ void addReaderLosses(const mifhost::Document &document, std::vector<std::string>
 
 void watchSignals()
 {
-    struct sigaction action {
-    };
-    action.sa_handler = [](int number) { signalCaught = number; };
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction present {
-        };
-        sigaction(number, nullptr, &present);
-        if (present.sa_handler != SIG_IGN) { // as under nohup
-            sigaction(number, &action, nullptr);
-        }
-    }
+    system::catchSignals([](int number) { signalCaught = number; });
 }
 
 int caughtSignal() noexcept
@@ -85,7 +75,8 @@ void Conversion::keepGoing(std::uint64_t bytesElsewhere)
     const std::uint64_t written = output_.size() - outputStart_ + bytesElsewhere_;
     if (written > limits_.output) {
         std::string &text = output_.text();
-        text.resize(text.size() - std::min<std::uint64_t>(written - limits_.output, text.size()));
+        const std::uint64_t excess = std::min<std::uint64_t>(written - limits_.output, text.size());
+        text.resize(text.size() - static_cast<std::size_t>(excess));
         throw mifhost::LimitReached(document_.name(), document_.bytesRead(),
                                     fmt::format("the output limit of {} bytes is reached", limits_.output));
     }

@@ -23,7 +23,7 @@ public:
     Interrupted() : std::runtime_error("interrupted") {}
 };
 
-// Has the program's SIGINT, SIGTERM and SIGHUP end all conversions with Interrupted; a second signal ends the program.
+// Has the signals by which a user ends a program end all conversions with Interrupted; a second one ends the program.
 void watchSignals();
 
 // The signal that asked the program to end, or 0.

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <utility>
 
-#include <magic.h>
-
-#include "mifhost/error.h"
+#include "mime_type.h"
 
 namespace mifread
 {
@@ -19,10 +17,9 @@ struct Extension {
     std::string_view extension;
 };
 
-constexpr std::string_view unknownType = "application/octet-stream";
 constexpr std::string_view unknownExtension = "bin";
 
-// The types of what documents embed. The library's own list of extensions lacks some of them.
+// The types of what documents embed. libmagic's own list of extensions lacks some of them.
 constexpr std::array extensions = {
     Extension{"application/pdf", "pdf"},
     Extension{"application/postscript", "eps"}, // whole pages of PostScript are not embedded
@@ -68,31 +65,11 @@ std::string_view extensionOf(std::string_view mimeType)
 
 } // namespace
 
-FileTypes::FileTypes() : magic_(magic_open(MAGIC_MIME_TYPE))
+FileType identifyFile(std::span<const std::uint8_t> beginning)
 {
-    if (magic_ == nullptr || magic_load(magic_.get(), nullptr) != 0) {
-        const char *reason = magic_ != nullptr ? magic_error(magic_.get()) : nullptr;
-        throw mifhost::IoError("the database of file types", std::nullopt,
-                               reason != nullptr ? reason : "cannot be opened");
-    }
-}
-
-const FileTypes &FileTypes::ofThread()
-{
-    thread_local const FileTypes types;
-    return types;
-}
-
-FileType FileTypes::identify(std::span<const std::uint8_t> beginning) const
-{
-    const char *found = magic_buffer(magic_.get(), beginning.data(), beginning.size());
-    const std::string_view mimeType = found != nullptr ? found : unknownType;
-    return {std::string(mimeType), extensionOf(mimeType)};
-}
-
-void FileTypes::Close::operator()(magic_set *magic) const noexcept
-{
-    magic_close(magic);
+    std::string mimeType = detectMimeType(beginning);
+    const std::string_view extension = extensionOf(mimeType);
+    return {std::move(mimeType), extension};
 }
 
 } // namespace mifread

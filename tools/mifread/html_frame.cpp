@@ -100,7 +100,7 @@ private:
 void FrameWriter::add(std::span<const std::uint8_t> block)
 {
     if (end_.empty()) {
-        begin(FileTypes::ofThread().identify(block));
+        begin(identifyFile(block));
     }
     encoder_.append(block, out_);
 }

@@ -1,13 +1,13 @@
 #include "html_page.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 
 #include <fmt/format.h>
 
 #include "html_fonts.h"
 #include "html_text.h"
+#include "paths.h"
 
 namespace mifread
 {
@@ -148,7 +148,7 @@ void appendPageHead(std::string_view name, const PageLayout &page, std::string &
     out += "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n";
     out.append("<meta http-equiv=\"Content-Security-Policy\" content=\"").append(securityPolicy).append("\">\n");
     out += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>";
-    const std::string file = std::filesystem::path(name).filename();
+    const std::string file = textOf(pathOf(name).filename());
     appendHtmlName(file.empty() ? "MIF" : file, out);
     out += "</title>\n<style>\n";
     appendFontRules(out);

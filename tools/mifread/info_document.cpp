@@ -92,7 +92,7 @@ void Inspection::operator()(const mifhost::Frame &frame)
     ObjectInfo object{.id = *id, .mimeType{}, .width = frame.width, .height = frame.height, .kind = frame.kind};
     object.isComplete = readObject(conversion_, *id, [&object](std::span<const std::uint8_t> block) {
         if (object.mimeType.empty()) {
-            object.mimeType = FileTypes::ofThread().identify(block).mimeType;
+            object.mimeType = identifyFile(block).mimeType;
         }
         object.size += block.size();
     });

@@ -8,6 +8,9 @@
 
 #include <fmt/format.h>
 
+#include "paths.h"
+#include "system.h"
+
 namespace mifread
 {
 
@@ -18,7 +21,7 @@ namespace fs = std::filesystem;
 
 bool isMifName(const fs::path &path)
 {
-    std::string extension = path.extension();
+    std::string extension = textOf(path.extension());
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     return extension == ".mif";
@@ -31,7 +34,7 @@ Input inputAt(const fs::path &path, fs::path result)
     if (isMifName(result)) {
         result.replace_extension();
     }
-    return {path, std::move(result), error ? 0 : size, ""};
+    return {textOf(path), std::move(result), error ? 0 : size, ""};
 }
 
 // Appends the documents in a folder and below, whose results keep their places below root. A folder that cannot be
@@ -49,7 +52,7 @@ void listFolder(const fs::path &folder, const fs::path &root, std::vector<Input>
         }
     }
     if (error) {
-        inputs.push_back({folder, {}, 0, fmt::format("cannot list the folder: {}", error.message())});
+        inputs.push_back({textOf(folder), {}, 0, fmt::format("cannot list the folder: {}", error.message())});
     }
 }
 
@@ -60,16 +63,17 @@ void listTree(const fs::path &folder, std::vector<Input> &inputs)
     std::sort(inputs.begin() + static_cast<std::ptrdiff_t>(first), inputs.end(),
               [](const Input &a, const Input &b) { return a.path < b.path; });
     if (inputs.size() == first) {
-        inputs.push_back({folder, {}, 0, "there is no .mif document in the folder"});
+        inputs.push_back({textOf(folder), {}, 0, "there is no .mif document in the folder"});
     }
 }
 
 // What tells whether two paths lead to the same file.
-fs::path placeOf(const fs::path &path)
+fs::path placeOf(const std::string &text)
 {
+    const fs::path path = pathOf(text);
     std::error_code error;
     const fs::path place = fs::weakly_canonical(fs::absolute(path, error), error);
-    return error ? path : place;
+    return system::spellingOf(error ? path : place);
 }
 
 } // namespace
@@ -78,13 +82,14 @@ std::vector<Input> findInputs(const std::vector<std::string> &arguments, bool re
 {
     std::vector<Input> inputs;
     for (const std::string &argument : arguments) {
+        const fs::path path = pathOf(argument);
         std::error_code ignored;
         if (argument == "-") {
             inputs.push_back({argument, "standard-input", 0, ""});
-        } else if (!fs::is_directory(argument, ignored)) {
-            inputs.push_back(inputAt(argument, fs::path(argument).filename()));
+        } else if (!fs::is_directory(path, ignored)) {
+            inputs.push_back(inputAt(path, path.filename()));
         } else if (recursive) {
-            listTree(argument, inputs);
+            listTree(path, inputs);
         } else {
             inputs.push_back({argument, {}, 0, "is a directory; with -r the documents in it are taken"});
         }
@@ -115,7 +120,7 @@ std::string findCollision(const std::vector<Input> &inputs, const std::vector<st
     for (const fs::path &place : written) {
         for (fs::path folder = place.parent_path(); folder.has_relative_path(); folder = folder.parent_path()) {
             if (written.contains(folder)) {
-                return fmt::format("{} would be both a file and a folder", folder.string());
+                return fmt::format("{} would be both a file and a folder", textOf(folder));
             }
         }
     }

@@ -74,7 +74,7 @@ void JsonConversion::writeObject(const std::string &id)
     const bool isWhole = readObject(conversion_, id, [&](std::span<const std::uint8_t> block) {
         if (!isBegun) {
             isBegun = true;
-            lines_.beginObject(id, FileTypes::ofThread().identify(block).mimeType);
+            lines_.beginObject(id, identifyFile(block).mimeType);
         }
         lines_.appendData(block);
     });

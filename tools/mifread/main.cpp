@@ -1,14 +1,11 @@
 // Arguments and exit codes of mifread.
 #include <algorithm>
-#include <csignal>
 #include <cstdint>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <utility>
 #include <vector>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 
@@ -16,6 +13,7 @@
 #include "command.h"
 #include "mifhost/document.h"
 #include "options.h"
+#include "system.h"
 
 namespace
 {
@@ -98,25 +96,23 @@ void addFolder(CLI::App &command, Options &options)
 }
 
 // The argument parser takes brackets around an argument for a list; in front of a file's name ./ changes nothing else.
-std::vector<std::string> protectBrackets(int argumentCount, char **arguments)
+void protectBrackets(std::vector<std::string> &arguments)
 {
-    std::vector<std::string> result(arguments + 1, arguments + argumentCount);
-    for (std::string &argument : result) {
+    for (std::string &argument : arguments) {
         if (argument.starts_with('[')) {
             argument.insert(0, "./");
         }
     }
-    std::reverse(result.begin(), result.end()); // as the parser wants it
-    return result;
 }
 
-int run(int argumentCount, char **arguments)
+int run(std::vector<std::string> arguments)
 {
     Options options;
     mifread::Command command;
     CLI::App program("Reads MIF documents.", "mifread");
     program.set_version_flag("--version", "mifread " MIFREAD_VERSION);
     program.require_subcommand(1);
+    program.allow_windows_style_options(false); // a / begins a path on all systems
     program.footer(exitCodes);
 
     CLI::App *text = addBatchCommand(program, "text", "Write the text of documents, in UTF-8", options);
@@ -154,7 +150,9 @@ int run(int argumentCount, char **arguments)
     tokens->callback([&] { command = mifread::tokensCommand(); });
 
     try {
-        program.parse(protectBrackets(argumentCount, arguments));
+        protectBrackets(arguments);
+        std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
+        program.parse(std::move(arguments));
     } catch (const CLI::Success &wish) { // --help and --version
         return program.exit(wish);
     } catch (const CLI::ParseError &error) {
@@ -164,36 +162,22 @@ int run(int argumentCount, char **arguments)
     return static_cast<int>(mifread::convertDocuments(options, command));
 }
 
-// Files that are opened later must not get the numbers of standard streams that the caller has closed.
-void occupyStandardStreams()
-{
-    int descriptor = 0;
-    do {
-        descriptor = open("/dev/null", O_RDWR);
-    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    if (descriptor >= 0) {
-        close(descriptor);
-    }
-}
-
 } // namespace
 
-int main(int argumentCount, char **arguments)
+int mifread::runProgram(std::vector<std::string> arguments)
 {
-    occupyStandardStreams();
-    // A reader of the output that goes away is a write error like others.
-    std::signal(SIGPIPE, SIG_IGN);
-    mifread::watchSignals();
+    system::prepareStandardStreams();
+    watchSignals();
     int result = 0;
     try {
-        result = run(argumentCount, arguments);
+        result = run(std::move(arguments));
     } catch (const std::exception &error) {
         std::cerr << "mifread: " << error.what() << '\n';
         result = static_cast<int>(ExitCode::Limit); // memory is exhausted
     }
     // Ended by the user: the shell shall see it, too.
-    if (const int number = mifread::caughtSignal(); number != 0) {
-        std::raise(number);
+    if (const int number = caughtSignal(); number != 0) {
+        system::endBySignal(number);
     }
     return result;
 }

@@ -15,6 +15,7 @@
 #include "file_type.h"
 #include "mifhost/error.h"
 #include "mifhost/object.h"
+#include "paths.h"
 
 namespace mifread
 {
@@ -68,9 +69,9 @@ void Extraction::extract(const mifhost::Frame &frame)
 try {
     mifhost::Object object(conversion_.document(), frame.id);
     const std::size_t firstCount = object.read(block_);
-    const FileType type = FileTypes::ofThread().identify(std::span(block_).first(firstCount));
+    const FileType type = identifyFile(std::span(block_).first(firstCount));
     makeFolder(conversion_.folder());
-    OutputFile file(conversion_.folder() / fmt::format("{}.{}", frame.id, type.extension));
+    OutputFile file(textOf(conversion_.folder() / fmt::format("{}.{}", frame.id, type.extension)));
     copy(object, firstCount, file);
     file.commit();
     fmt::format_to(std::back_inserter(conversion_.text()), "{}\t{}\t{}\t{}\t{}\t{}\n", frame.id, type.mimeType,

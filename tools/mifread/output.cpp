@@ -7,9 +7,10 @@
 #include <system_error>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
+
+#include "paths.h"
+#include "system.h"
 
 namespace mifread
 {
@@ -21,7 +22,7 @@ void makeFolder(const fs::path &folder)
     std::error_code error;
     fs::create_directories(folder, error);
     if (error) {
-        throw OutputError(folder, std::nullopt, "cannot make the folder: " + error.message());
+        throw OutputError(textOf(folder), std::nullopt, "cannot make the folder: " + error.message());
     }
 }
 
@@ -35,7 +36,7 @@ void Output::flush()
     open();
     std::size_t done = 0;
     while (done < text_.size()) {
-        const ssize_t count = ::write(file_.get(), text_.data() + done, text_.size() - done);
+        const ssize_t count = ::write(file_.get(), text_.data() + done, static_cast<unsigned>(text_.size() - done));
         if (count < 0 && errno != EINTR) {
             fail("cannot write");
         }
@@ -47,15 +48,20 @@ void Output::flush()
 
 void Output::fail(const char *what) const
 {
-    throw OutputError(name_, std::nullopt, std::string(what) + ": " + std::generic_category().message(errno));
+    fail(what, {errno, std::generic_category()});
+}
+
+void Output::fail(const char *what, const std::error_code &reason) const
+{
+    throw OutputError(name_, std::nullopt, std::string(what) + ": " + reason.message());
 }
 
 OutputFile::OutputFile(const std::string &path) : Output(path == "-" ? "standard output" : path)
 {
     if (path == "-") {
-        file_ = mifhost::FileDescriptor(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+        file_ = mifhost::FileDescriptor(system::openStandardOutput());
     } else {
-        openPath(path);
+        openPath(pathOf(path));
     }
     if (file_.get() < 0) {
         fail("cannot open for writing");
@@ -65,36 +71,32 @@ OutputFile::OutputFile(const std::string &path) : Output(path == "-" ? "standard
 OutputFile::~OutputFile()
 {
     if (!temporaryPath_.empty()) {
-        unlink(temporaryPath_.c_str());
+        file_.close(); // an open one cannot be removed everywhere
+        std::error_code ignored;
+        fs::remove(temporaryPath_, ignored);
     }
 }
 
-void OutputFile::openPath(const std::string &path)
+void OutputFile::openPath(const fs::path &path)
 {
     std::error_code ignored;
     const bool exists = fs::exists(path, ignored);
     if (exists && !fs::is_regular_file(path, ignored)) {
-        file_ = mifhost::FileDescriptor(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+        file_ = mifhost::FileDescriptor(system::openExisting(path));
         return;
     }
     // A link stays a link: the file that it leads to is replaced.
-    targetPath_ = exists || fs::is_symlink(path, ignored) ? fs::weakly_canonical(path, ignored).string() : path;
-    const fs::path folder = fs::path(targetPath_).parent_path();
-    const std::string stem = folder / (".mifread-" + std::to_string(getpid()) + "-");
-    std::string temporary;
+    targetPath_ = exists || fs::is_symlink(path, ignored) ? fs::weakly_canonical(path, ignored) : path;
+    const fs::path folder = targetPath_.parent_path();
+    const std::string stem = ".mifread-" + std::to_string(getpid()) + "-";
+    fs::path temporary;
     int number = 0;
     do {
-        temporary = stem + std::to_string(number++) + ".tmp";
-        file_ = mifhost::FileDescriptor(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+        temporary = folder / (stem + std::to_string(number++) + ".tmp");
+        file_ = mifhost::FileDescriptor(system::createFile(temporary, exists ? targetPath_ : fs::path()));
     } while (file_.get() < 0 && errno == EEXIST);
-    if (file_.get() < 0) {
-        return;
-    }
-    temporaryPath_ = temporary;
-    struct stat status {
-    };
-    if (exists && stat(targetPath_.c_str(), &status) == 0) {
-        fchmod(file_.get(), status.st_mode & 07777);
+    if (file_.get() >= 0) {
+        temporaryPath_ = temporary;
     }
 }
 
@@ -131,8 +133,10 @@ void OutputFile::commit()
     if (temporaryPath_.empty()) {
         return;
     }
-    if (rename(temporaryPath_.c_str(), targetPath_.c_str()) != 0) {
-        fail("cannot replace");
+    std::error_code error;
+    fs::rename(temporaryPath_, targetPath_, error);
+    if (error) {
+        fail("cannot replace", error);
     }
     temporaryPath_.clear();
 }
@@ -150,12 +154,15 @@ void OutputPart::moveTo(Output &output)
 {
     if (written_ > 0) {
         flush();
+        if (lseek(file_.get(), 0, SEEK_SET) != 0) {
+            fail("cannot read");
+        }
         std::uint64_t position = 0;
         while (position < written_) {
             std::string &target = output.text();
             const std::size_t start = target.size();
             target.resize(start + blockSize);
-            const ssize_t count = pread(file_.get(), target.data() + start, blockSize, static_cast<off_t>(position));
+            const ssize_t count = read(file_.get(), target.data() + start, blockSize);
             target.resize(start + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
             if (count == 0 || (count < 0 && errno != EINTR)) {
                 fail("cannot read");

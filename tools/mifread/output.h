@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "mifhost/error.h"
 #include "mifhost/stream.h"
@@ -63,7 +64,8 @@ protected:
 
     // Writes the text at hand to the file.
     void flush();
-    [[noreturn]] void fail(const char *what) const;
+    [[noreturn]] void fail(const char *what) const; // for the reason that errno has
+    [[noreturn]] void fail(const char *what, const std::error_code &reason) const;
 
     // Makes sure that file_ is open; called before the first byte is written.
     virtual void open() = 0;
@@ -94,11 +96,11 @@ public:
 
 private:
     void open() override {}
-    void openPath(const std::string &path);
+    void openPath(const std::filesystem::path &path);
 
-    std::string targetPath_;    // what commit() renames the temporary file to
-    std::string temporaryPath_; // empty when the output is written directly or is committed
-    std::uint64_t kept_ = 0;    // bytes of the output that keepPart() keeps
+    std::filesystem::path targetPath_;    // what commit() renames the temporary file to
+    std::filesystem::path temporaryPath_; // empty when the output is written directly or is committed
+    std::uint64_t kept_ = 0;              // bytes of the output that keepPart() keeps
 };
 
 // A part of an output that has to wait for the parts before it. A short one stays in memory, a long one goes to a

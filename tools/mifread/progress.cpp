@@ -10,6 +10,8 @@
 
 #include <unistd.h>
 
+#include "system.h"
+
 namespace mifread
 {
 
@@ -115,7 +117,7 @@ std::string Progress::line() const
 
 bool canShowProgress(const std::string &output)
 {
-    return isatty(STDERR_FILENO) == 1 && (output != "-" || isatty(STDOUT_FILENO) == 0);
+    return system::isTerminal(STDERR_FILENO) && (output != "-" || !system::isTerminal(STDOUT_FILENO));
 }
 
 } // namespace mifread
