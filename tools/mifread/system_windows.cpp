@@ -1,0 +1,106 @@
+#include "system.h"
+
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <windows.h>
+
+// Has the C library replace arguments with * and ? by the files that they match, which no shell does here.
+extern "C" int _dowildcard; // NOLINT: its name
+int _dowildcard = -1;
+
+namespace mifread::system
+{
+
+namespace
+{
+
+constexpr int ownBytes = _O_BINARY | _O_NOINHERIT;
+
+HANDLE handleOf(int file) noexcept
+{
+    return reinterpret_cast<HANDLE>(_get_osfhandle(file));
+}
+
+// What is not UTF-16, as names of files may be, becomes U+FFFD.
+std::string utf8(std::wstring_view text)
+{
+    const auto size = static_cast<int>(text.size());
+    std::string result;
+    result.resize(3 * text.size()); // at most
+    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), size, result.data(),
+                                           static_cast<int>(result.size()), nullptr, nullptr);
+    result.resize(static_cast<std::size_t>(length));
+    return result;
+}
+
+} // namespace
+
+void prepareStandardStreams()
+{
+    _setmode(STDOUT_FILENO, _O_BINARY);
+    // The console outlives the program.
+    static const UINT codePage = GetConsoleOutputCP();
+    if (codePage != 0) {
+        SetConsoleOutputCP(CP_UTF8);
+        std::atexit([] { SetConsoleOutputCP(codePage); });
+    }
+}
+
+bool isTerminal(int file) noexcept
+{
+    DWORD mode = 0;
+    return GetConsoleMode(handleOf(file), &mode) != 0 &&
+           SetConsoleMode(handleOf(file), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+int openStandardOutput() noexcept
+{
+    return _dup(STDOUT_FILENO);
+}
+
+int openExisting(const std::filesystem::path &path) noexcept
+{
+    return _wopen(path.c_str(), _O_WRONLY | ownBytes);
+}
+
+int createFile(const std::filesystem::path &path, const std::filesystem::path & /*model*/) noexcept
+{
+    return _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | ownBytes, _S_IREAD | _S_IWRITE);
+}
+
+std::filesystem::path spellingOf(const std::filesystem::path &path)
+{
+    std::wstring spelling = path.native();
+    CharLowerBuffW(spelling.data(), static_cast<DWORD>(spelling.size()));
+    return spelling;
+}
+
+void catchSignals(void (*handler)(int number)) noexcept
+{
+    for (const int number : {SIGINT, SIGTERM, SIGBREAK}) {
+        std::signal(number, handler);
+    }
+}
+
+void endBySignal(int /*number*/) noexcept
+{
+    ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+}
+
+} // namespace mifread::system
+
+extern "C" int wmain(int argumentCount, wchar_t **arguments)
+{
+    std::vector<std::string> texts;
+    for (int i = 1; i < argumentCount; ++i) {
+        texts.push_back(mifread::system::utf8(arguments[i]));
+    }
+    return mifread::runProgram(std::move(texts));
+}
