@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # build-windows.sh: builds the library as a DLL, the host library and the program for Windows, with 64 and with 32 bits,
-# and checks that the DLL exports the entry points, undecorated, and nothing else, and that the program needs no DLLs but
-# this one and those of Windows. With 64 bits an emulator runs the tests of fuzz/, which convert all documents through the
-# DLL in many ways, and the program, whose results are compared with those of the program on this machine.
+# and checks that the DLL exports the entry points, undecorated, and nothing else, and that the program needs no DLLs
+# but this one and those of Windows. With 64 bits an emulator runs the tests of fuzz/, which convert all documents
+# through the DLL in many ways, and the program, whose results are compared with those of the program on this machine.
 set -euo pipefail
 cd -- "$(dirname -- "$0")/.."
 
