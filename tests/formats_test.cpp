@@ -131,6 +131,7 @@ TEST(Formats, Catalogs)
               "text \"x\"\npara-format left=1440 right=1440 first=0 alignment=right\ntext \"y\"\n" + indents +
                   "text \"z\"\n" + "para-format left=1440 right=1440 first=0 alignment=right\ntext \"w\"\n");
     EXPECT_EQ(stateAfter("<PgfTag `'>").styleChanged, 0U);
+    EXPECT_EQ(stateAfter("<PgfLIndent 1\"><String `a'><Para >").styleChanged, 0U) << "no mode is on";
     // A format keeps 4096 statements, its tag among them.
     const auto repeated = [](size_t count) {
         std::string statements = "<Pgf <PgfTag `A'> <FSize 1>";
@@ -161,6 +162,8 @@ TEST(Formats, DefinitionsThatFail)
     EXPECT_EQ(fontSizeAfter(failing + "<FontCatalog <Font <FTag `E'>>><Font <FSize 7>>"), 3);
     EXPECT_EQ(fontSizeAfter("<FontCatalog <Font <FTag `E'>>><Font <FSize 7>>"), 7);
     EXPECT_EQ(fontSizeAfter("<FontCatalog <Font <FTag `'> <FSize 4>> <Font <FTag `'> <FSize 5>>>"), 0);
+    // One without a tag adds nothing to those that have one.
+    EXPECT_EQ(fontSizeAfter("<PgfCatalog <Pgf <PgfTag `A'> <FSize 4>> <Pgf <PgfTag `'> <FSize 5>>><PgfTag `A'>"), 4);
 }
 
 // The number that the output tells of a font is the host's, counted from 0; without an answer it is 0.
@@ -193,6 +196,15 @@ TEST(Formats, TabStops)
         "font number=0 size=1\ntab-stops right=1440 center=3600 left=1440\ntext \"a\"\n"
         "font number=0 size=2\ntab-stops right=720 center=3600 left=1440\ntext \"b\"\n"
         "font number=0 size=3\ntab-stops none\ntext \"c\"\n");
+    // Stops that are named are the same as those that are not, if they are at 0.
+    std::string zeros = "<PgfNumTabs 100><TSX 0><FSize 1><String `a'><PgfNumTabs 9><PgfNumTabs 100>";
+    for (int stop = 0; stop < 20; ++stop) {
+        zeros += "<TSX 0>";
+    }
+    const std::string before = tokensOf(zeros);
+    const std::string behind = "font number=0 size=2\ntext \"b\"\n";
+    EXPECT_EQ(tokensOf(zeros + "<FSize 2><String `b'>"), before + behind);
+    EXPECT_NE(tokensOf(zeros + "<TSX 1><FSize 2><String `b'>"), before + behind);
     EXPECT_EQ(stateAfter("<PgfNumTabs 2><PgfNumTabs -1><TSX 1\">").current.tabCount, 0);
     const std::string many = documentOf("<PgfNumTabs 100000><FSize 9><String `a'>");
     EXPECT_EQ(convert(many, {.bufferSize = 1 << 18}).result, 6) << "larger than the buffer";

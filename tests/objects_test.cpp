@@ -134,6 +134,9 @@ TEST(Objects, TheScanFindsTheFirstFacet)
         {"a further percent line is data", "=A\n&%v\n&x\n&%yz\n=EndInset\n", "A", 3, "x%yz"},
         {"an equals sign ends the data", "=A\n&ab=c>>>\n&d\n=EndInset\n", "A", 2, "ab"},
         {"statements and brackets in data", " <ImportObFixed Yes>\n <X `<\\>'>\n=A\n&<<>\n=EndInset\n", "A", 3, "<<>"},
+        {"closing brackets in data", "=A\n&>>x\n&>y\n=EndInset\n", "A", 5, ">>x>y"},
+        {"brackets at the ends of lines", "=A\n&a\n&b<\n&c<\n=EndInset\n", "A", 5, "ab<c<"},
+        {"an inset behind the inset", "=A\n&x\n=EndInset\n=B\n&>>y\n=EndInset\n", "A", 1, "x"},
         {"the inset ends on the line of the data", "=A\n&ab=EndInset\n", "A", 2, "ab"},
         {"an odd digit before the end", "=A\n&\\x414=EndInset\n", "A", 1, "A"},
         {"a marker without a character", "=A\n&%\n&x\n=EndInset\n", "A", 1, "x"},
@@ -162,6 +165,8 @@ TEST(Objects, NothingBehindAnObjectIsLost)
     EXPECT_EQ(tokens(frame("5", " <ImportObFileDI `<c\\>img<c\\>logo.png'>\n")), alone) << "by reference";
     EXPECT_EQ(tokens(frame("4", " <ImportObFileDI `<c\\>img<c\\>R&D=1.png'>\n") + frame("5", hexFacet)), anchored);
     EXPECT_EQ(tokens(frame("5", " <X `a=b'>\n <Y `c&d'> <Z 1>\n" + hexFacet)).substr(0, 9), "text \"a\"\n");
+    EXPECT_EQ(tokens(frame("4", " <X `a=<b>'>\n") + frame("5", hexFacet)), anchored) << "brackets in a value";
+    EXPECT_EQ(tokens("<Frame <ID 4> <ImportObject <X a&b>>>" + frame("5", hexFacet)), anchored) << "closed in a value";
     EXPECT_EQ(tokens(frame("4", "") + "= stray <\n& stray <\n" + frame("5", hexFacet)), anchored) << "between frames";
     EXPECT_EQ(tokens("<Frame <ID 5> <ImportObject <X 1>>><Frame <ID 6>>"), alone) << "all in one line";
     EXPECT_EQ(tokens("<Frame <ID 5> <ImportObject <Hint a&%> <X y>>>"), alone) << "a marker in a statement";
@@ -214,8 +219,8 @@ TEST(Objects, OneRecordWhereverTheStretchesEnd)
 
 TEST(Objects, TheFileOperations)
 {
-    OpenDocument document(
-        framesDocument(frame("5", hexFacet) + frame("-7", "=A\n&literal data\n=EndInset\n") + frame("8", "")));
+    OpenDocument document(framesDocument(frame("5", hexFacet) + frame("-7", "=A\n&literal data\n=EndInset\n") +
+                                         frame("8", "") + frame("9", "=A\r\n&\\x41\r\n&42\r\n&43\r\n=EndInset\r\n")));
     document.fillAll();
     const MifFileAccess &access = document.access();
     MifFileHandle file = document.handle("5");
@@ -258,6 +263,13 @@ TEST(Objects, TheFileOperations)
     ASSERT_EQ(access.mifFileOpen(&file), 1);
     EXPECT_EQ(read(1), "");
     EXPECT_EQ(read(16), hexBytes);
+    EXPECT_EQ(access.mifFileClose(&file), 1);
+
+    // Nor does one whose text is used up before its last byte.
+    file = document.handle("9");
+    ASSERT_EQ(access.mifFileOpen(&file), 1);
+    EXPECT_EQ(read(2), "");
+    EXPECT_EQ(read(16), "ABC");
     EXPECT_EQ(access.mifFileClose(&file), 1);
 
     EXPECT_EQ(document.read("-7", 4096), "literal data");
@@ -353,6 +365,22 @@ TEST(Objects, PlacesOfFrames)
     EXPECT_EQ(tokensOf(shape + "<NSOffset 1><AFrames <AnchorAlign Right>>" + shape), "") << "no frame at all";
 }
 
+TEST(Objects, TheFrameToken)
+{
+    const Conversion conversion = convert(framesDocument(frame("5", hexFacet)));
+    std::string token("\x14\x54\0\0\0"
+                      "5\0"
+                      "\x40\x0B\0\0"
+                      "\x70\x08\0\0",
+                      15);
+    for (const int value : {2, 0, 100, 100, 0, 0, 0, 0, 0, 0, 0, 0, 180, 0, 180, 0}) {
+        token += static_cast<char>(value);
+        token.append(3, 0);
+    }
+    token += std::string("\xFF\0\0\0\0", 5);
+    EXPECT_NE(conversion.stream.find(token), std::string::npos);
+}
+
 TEST(Objects, FileReferences)
 {
     const auto nameOf = [](const std::string &reference) {
@@ -370,5 +398,6 @@ TEST(Objects, FileReferences)
     EXPECT_EQ(nameOf("<u\\><c\\>art<c\\>x.tif"), "..\\art\\x.tif");
     EXPECT_EQ(nameOf("<r\\><v\\>disk<h\\>host<c\\>f"), "disk\\host\\f");
     EXPECT_EQ(nameOf("plain.gif"), "plain.gif");
-    EXPECT_EQ(nameOf("<c\\>" + std::string(2000, 'n')), std::string(1023, 'n'));
+    const std::string part(600, 'n');
+    EXPECT_EQ(nameOf("<c\\>" + part + "<c\\>" + part), part + "\\" + part.substr(0, 422)) << "1023 characters";
 }

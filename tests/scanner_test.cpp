@@ -53,6 +53,7 @@ const GrammarCase grammarCases[] = {
     {"a macro inside a value takes the value away", "<String x define(y) >\n<String `a include(b)'>",
      "text \"define macro statement encountered\"\ntext \"a include(b)\"\n"},
     {"words that begin like macros", "defin (<String `x'>\nincl\n<String `a'>", "text \"a\"\n"},
+    {"and at the document's end", "<Para <String `a'> d\n>", "text \"a\"\nline-break\npara-end\n"},
     {"a macro without an end", "<String `a'> defines <String `x'>",
      "text \"a\"\ntext \"define macro statement encountered\"\n"},
 };
@@ -145,6 +146,15 @@ TEST(FillCycle, PreambleAndPercent)
         53);
     EXPECT_EQ(convert("<MIFFile 5.00>").stream, preamble);
 
+    // The percentage begins at 0.
+    Conversion beginning;
+    TestHost patient(documentOf("<String `a'>" + std::string(450000, ' ')), {.bufferSize = 60});
+    MifContext *first = patient.open();
+    ASSERT_EQ(mifInitDoc(first, nullptr, 0, patient.stream()), 0);
+    patient.fill(first, beginning);
+    EXPECT_EQ(beginning.percent, 0);
+    patient.close(first);
+
     // After the end further calls write nothing.
     TestHost host(documentOf("<String `a'>"));
     MifContext *context = host.open();
@@ -170,6 +180,13 @@ TEST(FillCycle, TokensWaitForRoomAndNeverPassTheBuffer)
         EXPECT_EQ(conversion.result, 0) << bufferSize;
         EXPECT_EQ(conversion.stream, expected) << bufferSize;
     }
+    // Two tokens wait, the second as large as the buffer.
+    std::string stops = "<String `" + std::string(2600, 'y') + "'><PgfNumTabs 40>";
+    for (int stop = 0; stop < 40; ++stop) {
+        stops += "<TSX 1>";
+    }
+    stops += "<String `" + longest + "'>";
+    EXPECT_TRUE(convert(documentOf(stops), {.bufferSize = 3009}).stream == convert(documentOf(stops)).stream);
     for (const uint32_t bufferSize : {0U, 1U, 2U, 37U, 38U, 60U, 3008U}) {
         const Conversion conversion = convert(document, {.bufferSize = bufferSize});
         EXPECT_EQ(conversion.result, 6) << bufferSize;
@@ -226,31 +243,68 @@ TEST(StatementTable, NoValueHarmsAnyHandler)
     }
 }
 
-// A handler returns 0 for what it cannot take: a value that is not there, or that names nothing.
+// A handler returns 0 for what it cannot take, a value that is not there or that names nothing, and without memory.
 TEST(StatementTable, ResultsOfTheHandlers)
 {
-    const auto namesByResult = [](int wanted, char *value) {
-        TestHost host(documentOf(""));
+    using Surroundings = void (*)(MifContext &);
+    const Surroundings nowhere = [](MifContext &) {};
+    const auto resultOf = [](const MifStatementEntry &row, const char *value, Surroundings surround,
+                             bool withoutMemory) {
+        const std::string document = documentOf("");
+        const size_t allocations = withoutMemory ? convert(document).work.allocations : 0;
+        TestHost host(document, {.allocation = {withoutMemory ? allocations + 1 : 0, true}});
         MifContext *context = host.open();
         EXPECT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
         Conversion conversion;
         host.fill(context, conversion);
-        std::string names;
-        for (const MifStatementEntry &row : MifStatementTable) {
-            std::string text = value != nullptr ? value : "";
-            MifStatement *statement = mifPushStatement(context, row.handler, value != nullptr ? text.data() : nullptr);
-            statement->valueEnd = value != nullptr ? text.data() + text.size() - 1 : nullptr;
-            names += mifProcessEndTag(context, 1) == wanted ? std::string(" ") + row.name : "";
+        surround(*context);
+        std::string text = value != nullptr ? value : "";
+        MifStatement statement{row.handler, nullptr, nullptr, nullptr};
+        if (value != nullptr) {
+            statement.valueStart = text.data();
+            statement.valueEnd = text.data() + text.size() - 1;
         }
+        context->scanner.statementStack = &statement;
+        const int result = row.handler(context);
+        context->scanner.statementStack = nullptr;
+        context->frames.currentFrame = nullptr;
         host.close(context);
-        return names;
+        return result;
     };
-    EXPECT_EQ(namesByResult(1, nullptr),
+    const auto names = [&](int wanted, const char *value, Surroundings surround, bool withoutMemory = false) {
+        std::string found;
+        for (const MifStatementEntry &row : MifStatementTable) {
+            found += resultOf(row, value, surround, withoutMemory) == wanted ? std::string(" ") + row.name : "";
+        }
+        return found;
+    };
+    EXPECT_EQ(names(1, nullptr, nowhere),
               " TblCatalog TblFormat Tbl Tbls Cell CellContent TblH TblBody Row EqualizeWidths Para ParaLine "
               "VariableFormats PgfCatalog Pgf PgfFont TabStop Page PageNum TextRect AFrames Frame ID ImportObject "
               "FrameType Notes Unique FontCatalog Font");
-    char number[] = "1";
-    EXPECT_EQ(namesByResult(0, number), " MIFFile MText VariableName VariableDef AFrame");
+    for (const char *value : {"0", "1"}) {
+        EXPECT_EQ(names(0, value, nowhere), " ATbl MIFFile MText VariableName VariableDef AFrame");
+    }
+    const Surroundings inTextRect = [](MifContext &context) {
+        context.pages.inBodyPage = context.pages.inTextRect = 1;
+        context.text.markerType = 9;
+        context.variables.inVariableFormats = 1;
+    };
+    EXPECT_EQ(names(0, "1", inTextRect), " ATbl MIFFile VariableDef AFrame");
+    EXPECT_EQ(names(0, "1", inTextRect, true),
+              " TblID ATbl TblNumColumns MIFFile VariableName VariableDef PgfTag AFrame ID");
+    const Surroundings inFrame = [](MifContext &context) {
+        context.frames.inAFrames = context.frames.inFrame = 1;
+        context.frames.currentFrame = &context.frames.unframed;
+    };
+    EXPECT_EQ(names(0, "1", inFrame), " ATbl MIFFile MText VariableName VariableDef AFrame");
+    const Surroundings outsideOfBodyText = [](MifContext &context) {
+        context.pages.inBodyText = 0;
+        context.formats.styleChanged = 1;
+    };
+    EXPECT_EQ(names(0, "`x'", outsideOfBodyText), " ATbl MIFFile MText VariableName VariableDef AFrame");
+    EXPECT_NE(names(1, nullptr, inFrame).find(" String "), std::string::npos) << "suppressed";
+    EXPECT_EQ(names(1, nullptr, inTextRect).find(" ID "), std::string::npos);
 }
 
 TEST(FillCycle, AFailureIsFinal)

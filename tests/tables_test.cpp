@@ -76,9 +76,25 @@ TEST(Tables, ColumnWidths)
         layoutOf("<TblFormat <TblColumnWidth 9\"><TblNumColumns 1>><TblColumnWidth 20003 pt><TblColumnWidth 5\">"),
         layout("columns=1 widths=400060 offset=-190030"))
         << "wider than the page; a width too many";
+    EXPECT_EQ(layoutOf("<TblNumColumns 1><TblFormat <TblColumnWidth 9\">><TblColumnWidth 1\">"),
+              layout("columns=1 widths=1440 offset=9280"))
+        << "that of a format is no table's";
     EXPECT_EQ(layoutOf("<TblNumColumns 1><TblColumnWidth 0><TblColumnWidth 1\">"),
               layout("columns=1 widths=1440 offset=9280"))
         << "0 is no width";
+    const std::string token("\x06\x22\0\0\0"
+                            "\x01\0\0\0"
+                            "\xA0\x05\0\0"
+                            "\x1E\0\0\0"
+                            "\x3C\0\0\0"
+                            "\x1E\0\0\0"
+                            "\x3C\0\0\0"
+                            "\x40\x24\0\0"
+                            "\0",
+                            34);
+    const std::string document =
+        documentOf(margins + "<Tbls " + table("1", "<TblNumColumns 1><TblColumnWidth 1\">" + row) + "><ATbl 1>");
+    EXPECT_NE(convert(document).stream.find(token), std::string::npos);
     const std::string none = cell + cell + "table-end\n";
     EXPECT_EQ(layoutOf(three + "<TblColumnWidth 1\">"), none) << "too few";
     EXPECT_EQ(layoutOf("<TblColumnWidth 1\">"), none);

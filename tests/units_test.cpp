@@ -60,6 +60,7 @@ TEST(Units, MeasurementsAreExactInEveryLocale)
                                       {"--1", 0},
                                       {"nan", 0},
                                       {"1e-400", 0},
+                                      {"0.0003", 0},
                                       {"0.0001", 0}}) {
         EXPECT_EQ(mifParseTwips(text), twips) << text;
     }
@@ -73,7 +74,13 @@ TEST(Units, NumbersThatDoNotFitSaturate)
         EXPECT_EQ(mifParseTwips((std::string("-") + text).c_str()), INT32_MIN) << text;
     }
     EXPECT_EQ(mifParseTwips((std::string(400, '9') + "e-395").c_str()), 144000000);
-    EXPECT_EQ(mifParseTwips(("0." + std::string(400, '0') + "1").c_str()), 0);
+    const std::string zeros(400, '0');
+    for (const auto &[text, twips] : {std::pair{"1" + zeros, INT32_MAX},
+                                      {"0." + zeros + "1", 0},
+                                      {"0x1" + zeros, INT32_MAX},
+                                      {"0x0." + zeros + "1p500", 0}}) {
+        EXPECT_EQ(mifParseTwips(text.c_str()), twips) << text;
+    }
     for (const auto &[text, value] : {std::pair{"17", 17},
                                       {" \t-5x", -5},
                                       {"+8", 8},

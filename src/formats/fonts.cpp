@@ -63,8 +63,8 @@ int mifFTag(MifContext *context)
     if (formats.inFontCatalog != 0) {
         return mifFontCreateNewFont(context, tag);
     }
-    if (formats.appliedStyle.modes != 0) {
-        formats.styleChanged = static_cast<uint32_t>(mifClearModes(context));
+    if (mifClearModes(context) != 0) {
+        formats.styleChanged = 1;
     }
     if (context->pages.inBodyText != 0) {
         mifPgfSetParagraphStyle(context);

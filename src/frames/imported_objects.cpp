@@ -331,7 +331,7 @@ public:
     }
 
 private:
-    char text_[longestFileName + 1];
+    char text_[longestFileName];
     size_t length_ = 0;
 };
 

@@ -237,7 +237,7 @@ Step Scan::value(char *cursor)
         }
         switch (*cursor) {
         case '`':
-            return quotedValue(cursor + 1);
+            return quotedValue(cursor);
         case '>':
             return cursor != source_.bufferEnd ? closeValue(cursor) : undoStartTag();
         case '<':

@@ -109,8 +109,8 @@ int mifPara(MifContext *context)
     if (isBreakSuppressed(context) || context->pages.inBodyText == 0) {
         return 1;
     }
-    if (context->formats.appliedStyle.modes != 0) {
-        context->formats.styleChanged = static_cast<uint32_t>(mifClearModes(context));
+    if (mifClearModes(context) != 0) {
+        context->formats.styleChanged = 1;
     }
     return mifWriteLineBreak(context) && mifWriteParaEnd(context);
 }

@@ -93,15 +93,10 @@ size_t mifProcessEmbeddedVariables(char *text)
 {
     const char *read = text;
     char *write = text;
+    const char *lastEnd = strrchr(text, '>');
     while (*read != '\0') {
-        const char *block = *read == '<' ? strchr(read, '>') : nullptr;
-        if (block != nullptr) {
-            read = block + 1;
-        } else if (*read == '<') {
-            const size_t rest = strlen(read);
-            memmove(write, read, rest);
-            read += rest;
-            write += rest;
+        if (*read == '<' && lastEnd != nullptr && read < lastEnd) {
+            read = strchr(read, '>') + 1;
         } else {
             *write++ = *read++;
         }
