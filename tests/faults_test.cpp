@@ -44,11 +44,12 @@ TEST(Faults, EveryAllocation)
     for (const fs::path &path : testDocuments()) {
         const std::string document = readFile(path);
         for (const ObjectUse objects : {ObjectUse::none, ObjectUse::readWhole}) {
-            // A small buffer makes tokens wait in memory too.
-            const Conversion whole = convert(document, {.bufferSize = 4200, .objects = objects});
+            // The smallest buffer makes tokens wait in memory too.
+            const uint32_t bufferSize = largestToken(convert(document).stream);
+            const Conversion whole = convert(document, {.bufferSize = bufferSize, .objects = objects});
             forEachFault(path, whole.work.allocations, [&](const Failing &failing) {
                 const Conversion conversion =
-                    convert(document, {.bufferSize = 4200, .objects = objects, .allocation = failing});
+                    convert(document, {.bufferSize = bufferSize, .objects = objects, .allocation = failing});
                 expectUnharmed(conversion);
                 EXPECT_TRUE(!failing.forGood || objects != ObjectUse::none || conversion.result == 6);
             });
