@@ -8,6 +8,7 @@
 #include "support/test_host.h"
 
 using namespace miftest;
+using namespace std::string_literals;
 
 namespace
 {
@@ -59,6 +60,23 @@ TEST(Formats, OnlyDifferencesAreWritten)
               "text-color red=255 green=0 blue=0\ntext \"a\"\n");
     EXPECT_EQ(tokensOf("<TextRectID 8><FBold Yes><String `x'><FBold No><FStrike Yes><TextRectID 9><Char Yen>"),
               indents + "attribute strike on\ntext \"\\xa5\"\n");
+}
+
+TEST(Formats, TokensByteByByte)
+{
+    const std::string expected = "\x03\x06\0\0\0\0"                                 // the tab of the text
+                                 "\x01\x12\0\0\0\x14\0\0\0\xA0\x05\0\0\0\0\0\0\x03" // indents, alignment
+                                 "\x0F\x0D\0\0\0\0\0\0\0\x0C\0\0\0"                 // font 0, size 12
+                                 "\x04\x09\0\0\0\x01\x80\0\0"                       // bold on
+                                 "\x13\x0A\0\0\0\0\xFF\0\0\0"                       // red
+                                 "\x02\x0E\0\0\0\x01\0\0\0\x01\x28\x14\0\0"         // a right tab stop
+                                 "\0\x0C\0\0\0\x03\0\0\0a b"                        // the text
+                                 "\x04\x09\0\0\0\x01\0\0\0"                         // bold off
+                                 "\x0E\x05\0\0\0\x0D\x05\0\0\0"s;
+    const std::string flow = "<PgfLIndent 1 pt><PgfAlignment LeftRight><FSize 12><FBold Yes><FColor Red><PgfNumTabs 1>"
+                             "<TSX 258 pt><TSType Right><String `a\\tb'><Para >";
+    const std::string stream = convert(documentOf(flow)).stream;
+    EXPECT_TRUE(stream.ends_with(expected)) << testing::PrintToString(stream);
 }
 
 TEST(Formats, ModesGoOnWithTextAndOffAtParagraphEnds)

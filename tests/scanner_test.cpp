@@ -289,10 +289,11 @@ TEST(StatementTable, ResultsOfTheHandlers)
         context.pages.inBodyPage = context.pages.inTextRect = 1;
         context.text.markerType = 9;
         context.variables.inVariableFormats = 1;
+        context.formats.currentStyle.tabCount = 1;
     };
     EXPECT_EQ(names(0, "1", inTextRect), " ATbl MIFFile VariableDef AFrame");
     EXPECT_EQ(names(0, "1", inTextRect, true),
-              " TblID ATbl TblNumColumns MIFFile VariableName VariableDef PgfTag AFrame ID");
+              " TblID ATbl TblNumColumns MIFFile VariableName VariableDef PgfTag TSX TSType AFrame ID");
     const Surroundings inFrame = [](MifContext &context) {
         context.frames.inAFrames = context.frames.inFrame = 1;
         context.frames.currentFrame = &context.frames.unframed;
