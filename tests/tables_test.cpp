@@ -95,6 +95,9 @@ TEST(Tables, ColumnWidths)
     const std::string document =
         documentOf(margins + "<Tbls " + table("1", "<TblNumColumns 1><TblColumnWidth 1\">" + row) + "><ATbl 1>");
     EXPECT_NE(convert(document).stream.find(token), std::string::npos);
+    EXPECT_EQ(layoutOf("<TblNumColumns 3><TblColumnWidth 0><TblColumnWidth 1\"><TblColumnWidth 0><TblColumnWidth 2\">"
+                       "<TblColumnWidth 0><TblColumnWidth 0.5\"><TblColumnWidth 9\">"),
+              layout("columns=3 widths=1440,2880,720 offset=7480"));
     const std::string none = cell + cell + "table-end\n";
     EXPECT_EQ(layoutOf(three + "<TblColumnWidth 1\">"), none) << "too few";
     EXPECT_EQ(layoutOf("<TblColumnWidth 1\">"), none);

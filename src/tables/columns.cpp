@@ -46,7 +46,8 @@ void fillWidth(MifTableState &tables, int32_t width)
 {
     const int32_t columns = layoutColumns(tables);
     int32_t *end = tables.columnWidths + columns;
-    int32_t *place = std::find(tables.columnWidths, end, 0);
+    int32_t *place = std::find(tables.columnWidths + std::min(tables.widthsSet, columns), end, 0);
+    tables.widthsSet = static_cast<int32_t>(place - tables.columnWidths);
     if (place == end) {
         return;
     }
@@ -168,6 +169,7 @@ int mifEqualizeWidths(MifContext *context)
         tables.columnWidths[column] =
             tables.equalizeColumns[column] != 0 ? tables.equalWidth : tables.maxWidths[column];
     }
+    tables.widthsSet = 0;
     tables.rowLayoutPending = 1;
     tables.inEqualizeWidths = 0;
     return 1;
@@ -193,4 +195,5 @@ void mifFreeColumns(MifContext *context)
     mifRelease(context, tables.columnWidths);
     tables.columnWidths = nullptr;
     tables.allocatedColumns = 0;
+    tables.widthsSet = 0;
 }
