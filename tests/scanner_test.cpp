@@ -52,6 +52,7 @@ const GrammarCase grammarCases[] = {
      "text \"include statment encountered\"\ntext \"b\"\n"},
     {"a macro inside a value takes the value away", "<String x define(y) >\n<String `a include(b)'>",
      "text \"define macro statement encountered\"\ntext \"a include(b)\"\n"},
+    {"an include inside a value", "<String x include(y) >", "text \"include statment encountered\"\n"},
     {"words that begin like macros", "defin (<String `x'>\nincl\n<String `a'>", "text \"a\"\n"},
     {"and at the document's end", "<Para <String `a'> d\n>", "text \"a\"\nline-break\npara-end\n"},
     {"a macro without an end", "<String `a'> defines <String `x'>",

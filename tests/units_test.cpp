@@ -126,4 +126,19 @@ TEST(Units, PageSizeAndDocumentUnit)
     EXPECT_EQ(context->pages.pageHeight, 16839);
     EXPECT_EQ(context->units.documentUnit, 1440) << "an empty value is no unit";
     host.close(context);
+    for (const auto &[name, twips] : {std::pair{"Uin", 1440},
+                                      {"Ucm", 567},
+                                      {"Umm", 57},
+                                      {"Upica", 240},
+                                      {"Upt", 20},
+                                      {"Udd", 21},
+                                      {"Ucc", 256},
+                                      {"upt", 1440}}) {
+        TestHost named(std::string("<MIFFile 5>\n<Units ") + name + ">\n");
+        context = named.open();
+        ASSERT_EQ(mifInitDoc(context, nullptr, 0, named.stream()), 0);
+        named.fill(context, conversion);
+        EXPECT_EQ(context->units.documentUnit, twips) << name;
+        named.close(context);
+    }
 }
