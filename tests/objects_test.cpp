@@ -134,6 +134,7 @@ TEST(Objects, TheScanFindsTheFirstFacet)
         {"a further percent line is data", "=A\n&%v\n&x\n&%yz\n=EndInset\n", "A", 3, "x%yz"},
         {"an equals sign ends the data", "=A\n&ab=c>>>\n&d\n=EndInset\n", "A", 2, "ab"},
         {"statements and brackets in data", " <ImportObFixed Yes>\n <X `<\\>'>\n=A\n&<<>\n=EndInset\n", "A", 3, "<<>"},
+        {"a backslash before another character", "=A\n&a\\b\n&c\\d\n=EndInset\n", "A", 6, "a\\bc\\d"},
         {"closing brackets in data", "=A\n&>>x\n&>y\n=EndInset\n", "A", 5, ">>x>y"},
         {"brackets at the ends of lines", "=A\n&a\n&b<\n&c<\n=EndInset\n", "A", 5, "ab<c<"},
         {"an inset behind the inset", "=A\n&x\n=EndInset\n=B\n&>>y\n=EndInset\n", "A", 1, "x"},
@@ -275,6 +276,19 @@ TEST(Objects, TheFileOperations)
     EXPECT_EQ(document.read("-7", 4096), "literal data");
     EXPECT_EQ(document.read("8", 4096), "");
     EXPECT_EQ(document.read(" 5 ", 16), hexBytes);
+}
+
+TEST(Objects, AReadWithoutMemoryChangesNothing)
+{
+    const std::string text = framesDocument(frame("5", hexFacet));
+    OpenDocument document(text, {.allocation = {convert(text).work.allocations + 1, true}});
+    document.fillAll();
+    MifFileHandle file = document.handle("5");
+    ASSERT_EQ(document.access().mifFileOpen(&file), 1);
+    char buffer[] = "unchanged";
+    EXPECT_EQ(document.access().mifFileRead(&file, buffer, 4), 0);
+    EXPECT_STREQ(buffer, "unchanged");
+    EXPECT_EQ(document.access().mifFileTell(&file), 0);
 }
 
 // Byte for byte what was put in, a real PNG and a real JPEG among them, whatever the blocks.

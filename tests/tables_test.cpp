@@ -130,6 +130,11 @@ TEST(Tables, EqualizedWidths)
     // What they leave behind does not keep a replayed table from its own widths.
     EXPECT_EQ(layoutOf(autoSize + "<TblNumColumns 2><TblColumnWidth 1\"><TblColumnWidth 1\">"),
               layout("columns=2 widths=1440,1440 offset=8560"));
+    EXPECT_NE(tokensOf(margins + "<Tbls " + table("1", autoSize + "<TblNumColumns 1><TblColumnWidth 1\">") +
+                       "><ATbl 1><Tbls <Tbl <TblNumColumns 2><EqualizeWidths <X 1>> " + row + ">>")
+                  .find("columns=2 widths=0,0"),
+              std::string::npos)
+        << "nor does what a replayed table has cleared come back";
     // More columns than widths were allocated, and more than 64.
     std::string many = "<TblNumColumns 2>";
     for (int column = 0; column < 100; ++column) {

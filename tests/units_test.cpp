@@ -108,6 +108,8 @@ TEST(Units, MeasurementLists)
     EXPECT_EQ(pageSizeOf("612.0 pt 792.0 pt"), std::pair(15840, 0));
     EXPECT_EQ(pageSizeOf(" 72pt 10 furlongs"), std::pair(1440, 14400));
     EXPECT_EQ(pageSizeOf(" 1 cm 2"), std::pair(567, 2880));
+    EXPECT_EQ(pageSizeOf(" 72. pt 36. pt"), std::pair(1440, 720));
+    EXPECT_EQ(pageSizeOf(" 1 @ 2"), std::pair(1440, 0));
     EXPECT_EQ(pageSizeOf(" 1.0\"  2.0\""), std::pair(1440, 2880));
     EXPECT_EQ(pageSizeOf(" 6\" x 4\""), std::pair(8640, 0));
     EXPECT_EQ(pageSizeOf(" "), std::pair(0, 0));
