@@ -3,13 +3,17 @@
 #include <cstddef>
 #include <cstring>
 
-#include "system.h"
-
 namespace mifhost
 {
 
 namespace
 {
+
+// The characters of the bytes 0x80 to 0x9F, 0 where there is none. From 0xA0 on they are those of the same number.
+constexpr std::array<char16_t, 32> specialCharacters = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                        0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
+                                                        0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                        0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
 // The number of ASCII bytes that text begins with.
 std::size_t asciiRun(std::string_view text)
@@ -33,14 +37,18 @@ std::size_t asciiRun(std::string_view text)
 
 Windows1252::Windows1252()
 {
-    const auto characters = system::upperHalfOfWindows1252();
+    constexpr char16_t replacement = 0xFFFD;
     for (std::size_t i = 0; i < upperHalf_.size(); ++i) {
-        Encoded &encoded = upperHalf_[i];
-        if (characters[i].empty()) {
-            encoded = {{'\xEF', '\xBF', '\xBD'}, 3, true};
-            continue;
+        const auto character = i < specialCharacters.size() ? specialCharacters[i] : static_cast<char16_t>(0x80 + i);
+        const unsigned code = character != 0 ? character : replacement;
+        const auto last = static_cast<char>(0x80 | (code & 0x3F));
+        if (code < 0x800) {
+            upperHalf_[i] = {{static_cast<char>(0xC0 | code >> 6), last}, 2, false};
+        } else {
+            upperHalf_[i] = {{static_cast<char>(0xE0 | code >> 12), static_cast<char>(0x80 | (code >> 6 & 0x3F)), last},
+                             3,
+                             character == 0};
         }
-        encoded.size = static_cast<std::uint8_t>(characters[i].copy(encoded.bytes.data(), encoded.bytes.size()));
     }
 }
 

@@ -2,7 +2,6 @@
 #ifndef MIFHOST_SYSTEM_H
 #define MIFHOST_SYSTEM_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -31,10 +30,6 @@ void *loadLibrary(const std::string &path);
 void *findFunction(void *library, const char *name) noexcept;
 void unloadLibrary(void *library) noexcept;
 std::string lastLoaderError();
-
-// The characters of the bytes 0x80 to 0xFF of Windows-1252 in UTF-8, each at most 3 bytes; empty for a byte that stands
-// for none. Throws Error when the system does not know the character set.
-std::array<std::string, 128> upperHalfOfWindows1252();
 
 } // namespace mifhost::system
 

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <system_error>
 
 #include <fcntl.h>
@@ -76,24 +75,6 @@ void unloadLibrary(void *library) noexcept
 std::string lastLoaderError()
 {
     return std::system_category().message(static_cast<int>(GetLastError()));
-}
-
-std::array<std::string, 128> upperHalfOfWindows1252()
-{
-    constexpr UINT windows1252 = 1252;
-    std::array<std::string, 128> characters;
-    for (std::size_t i = 0; i < characters.size(); ++i) {
-        const char byte = static_cast<char>(0x80 + i);
-        wchar_t character = 0;
-        std::array<char, 4> bytes{};
-        MultiByteToWideChar(windows1252, 0, &byte, 1, &character, 1);
-        if (character < 0xA0) {
-            continue; // a control character: Windows has nothing better for a byte that stands for none
-        }
-        const int length = WideCharToMultiByte(CP_UTF8, 0, &character, 1, bytes.data(), bytes.size(), nullptr, nullptr);
-        characters[i].assign(bytes.data(), static_cast<std::size_t>(length));
-    }
-    return characters;
 }
 
 } // namespace mifhost::system

@@ -14,7 +14,6 @@ namespace mifhost
 class Windows1252
 {
 public:
-    // Throws Error when the C library does not know the character set.
     Windows1252();
 
     // Appends text to out as UTF-8. The five bytes that Windows-1252 leaves undefined become U+FFFD.
