@@ -1,5 +1,6 @@
 #include "system.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
