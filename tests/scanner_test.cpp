@@ -34,6 +34,7 @@ const GrammarCase grammarCases[] = {
     {"unknown statements are ignored, their content is not", "<Book 7><Book <Para <String `a'>>>",
      "text \"a\"\nline-break\npara-end\n"},
     {"names are whole and in their own case", "<string `a'><Strings `b'><String\t`c'>", "text \"c\"\n"},
+    {"names that begin alike", "<TextRectIX 8    ><TextRectID 8    ><String `a'>", ""},
     {"a name longer than every name",
      ("<String"
       "0123456789012345678901234567890123456789012345678901234567890123456789012345 `a'>"),
