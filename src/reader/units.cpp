@@ -56,6 +56,12 @@ bool endsNumber(char byte)
     return (byte >= '0' && byte <= '9') || byte == '.';
 }
 
+bool isHexadecimalStart(char byte)
+{
+    const char lower = static_cast<char>(byte | 0x20);
+    return endsNumber(byte) || (lower >= 'a' && lower <= 'f');
+}
+
 bool isLetter(char byte)
 {
     const char lower = static_cast<char>(byte | 0x20);
@@ -177,6 +183,9 @@ double mifParseNumber(const char *text)
     if (text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
         text += 2;
         format = std::chars_format::hex;
+        if (!isHexadecimalStart(*text)) { // a sign, or the name of no number
+            return 0;
+        }
     }
     double value = 0;
     const auto [end, error] = std::from_chars(text, text + strlen(text), value, format);
