@@ -103,6 +103,11 @@ public:
         return conversion_;
     }
 
+    TestHost &host()
+    {
+        return host_;
+    }
+
 private:
     TestHost host_;
     MifContext *context_;
@@ -139,6 +144,10 @@ TEST(Objects, TheScanFindsTheFirstFacet)
         {"brackets at the ends of lines", "=A\n&a\n&b<\n&c<\n=EndInset\n", "A", 5, "ab<c<"},
         {"an inset behind the inset", "=A\n&x\n=EndInset\n=B\n&>>y\n=EndInset\n", "A", 1, "x"},
         {"the inset ends on the line of the data", "=A\n&ab=EndInset\n", "A", 2, "ab"},
+        {"an odd digit before an escape", "=A\n&\\x414\\xab\n&c\\\\d\n=EndInset\n", "A", 6, "Aabc\\d"},
+        {"the rest of a marker's line", "=A\n&%v >>> =B\n&x\n=EndInset\n", "A", 1, "x"},
+        {"data behind the inset alone", "=A\n=EndInset\n&x\n=EndInset\n", "A", 1, "x"},
+        {"the characters of a name", " <X `R&D=1.png'> <Y `a=b'>\n <Z a%&>\n\t =A\n \t&x\n=EndInset\n", "A", 1, "x"},
         {"an odd digit before the end", "=A\n&\\x414=EndInset\n", "A", 1, "A"},
         {"a marker without a character", "=A\n&%\n&x\n=EndInset\n", "A", 1, "x"},
         {"CR LF", "=A\r\n&ab\r\n&cd\r\n=EndInset\r\n", "A", 4, "abcd"},
@@ -165,7 +174,9 @@ TEST(Objects, NothingBehindAnObjectIsLost)
     const auto tokens = [](const std::string &frames) { return bodyListing(convert(framesDocument(frames))); };
     EXPECT_EQ(tokens(frame("5", " <ImportObFileDI `<c\\>img<c\\>logo.png'>\n")), alone) << "by reference";
     EXPECT_EQ(tokens(frame("4", " <ImportObFileDI `<c\\>img<c\\>R&D=1.png'>\n") + frame("5", hexFacet)), anchored);
-    EXPECT_EQ(tokens(frame("5", " <X `a=b'>\n <Y `c&d'> <Z 1>\n" + hexFacet)).substr(0, 9), "text \"a\"\n");
+    EXPECT_EQ(tokens(frame("5", " <X `a=b'>\n <Y `c&d'> <Z 1>\n" + hexFacet)), anchored);
+    EXPECT_EQ(tokens(frame("4", " <X 1> =EndInset\n") + frame("5", hexFacet)), anchored)
+        << "the end behind a statement";
     EXPECT_EQ(tokens(frame("4", " <X `a=<b>'>\n") + frame("5", hexFacet)), anchored) << "brackets in a value";
     EXPECT_EQ(tokens("<Frame <ID 4> <ImportObject <X a&b>>>" + frame("5", hexFacet)), anchored) << "closed in a value";
     EXPECT_EQ(tokens(frame("4", "") + "= stray <\n& stray <\n" + frame("5", hexFacet)), anchored) << "between frames";
@@ -216,6 +227,24 @@ TEST(Objects, OneRecordWhereverTheStretchesEnd)
             check(framesDocument("#" + std::string(shift, 'c') + "\n" + frame("5", content)), {});
         }
     }
+}
+
+TEST(Objects, AReadWithoutMemoryLeavesTheStreamWhereTheDocumentGoesOn)
+{
+    const std::string text = framesDocument(frame("5", hexFacet) + "#" + std::string(9000, 'c'));
+    OpenDocument document(text, {.bufferSize = 38});
+    document.fill();
+    document.fill();
+    const intptr_t position = document.host().stream()->tell(document.host().stream());
+    OpenDocument refused(text, {.bufferSize = 38, .allocation = {document.host().work().allocations + 1, true}});
+    refused.fill();
+    refused.fill();
+    MifFileHandle file = refused.handle("5");
+    ASSERT_EQ(refused.access().mifFileOpen(&file), 1);
+    refused.access().mifFileSeek(&file, 0, MIF_SEEK_START);
+    char byte = 0;
+    EXPECT_EQ(refused.access().mifFileRead(&file, &byte, 1), 0);
+    EXPECT_EQ(refused.host().stream()->tell(refused.host().stream()), position);
 }
 
 TEST(Objects, TheFileOperations)

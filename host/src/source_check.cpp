@@ -294,8 +294,8 @@ const char *SourceCheck::scanMacro(const char *next, const char *end)
     return next + 1;
 }
 
-// In an embedded object the reader counts brackets, quoted or not, and passes over facet and data lines. Facet and data
-// may also begin in a line of statements, whose brackets then count all the same.
+// In an embedded object the reader counts brackets, quoted or not, and passes over facet and data lines, which begin
+// behind nothing but blanks. The object's end may stand anywhere.
 const char *SourceCheck::scanObject(const char *next, const char *end)
 {
     for (; next != end; ++next) {
@@ -318,7 +318,7 @@ const char *SourceCheck::scanObject(const char *next, const char *end)
         } else {
             objectDepth_ += *next == '<' ? 1 : 0;
             objectDepth_ -= *next == '>' ? 1 : 0;
-            isBlank_ = isBlank_ && *next == ' ';
+            isBlank_ = isBlank_ && isIn(whiteSpace, *next);
         }
     }
     return next;

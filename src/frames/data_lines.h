@@ -1,5 +1,5 @@
 // The data lines of an embedded object: literal bytes, or after `\x`, which switches to and fro, pairs of hexadecimal
-// digits; `\\` stands for one backslash. Data may end after an odd digit, which is dropped.
+// digits; `\\` stands for one backslash. A last digit without another one is dropped.
 #ifndef MIFREADER_SRC_FRAMES_DATA_LINES_H
 #define MIFREADER_SRC_FRAMES_DATA_LINES_H
 
@@ -36,7 +36,8 @@ inline bool mifDecodeData(const char *&position, const char *end, uint32_t &hexM
         byte = static_cast<uint8_t>(*first);
         return true;
     }
-    if (mifNewLine(*position) || *position == '=') {
+    const bool cut = *position == '\\' && (end - position == 1 || position[1] == 'x');
+    if (cut || mifNewLine(*position) || *position == '=') {
         return false;
     }
     byte = mifHexByte(static_cast<uint8_t>(*first), static_cast<uint8_t>(*position++));

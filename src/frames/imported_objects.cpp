@@ -43,7 +43,7 @@ private:
     void ordinaryByte();
     void beginLine();
     void passLineEnd();
-    char *closingBracket(char *limit);
+    bool atInsetEnd() const;
     char *handBack();
     char *lineEnd() const;
 
@@ -56,7 +56,7 @@ private:
 
     // What the line began with.
     char *line_ = nullptr;
-    bool isStatementLine_ = false; // other text than blanks has come: brackets count to the line's end
+    bool isStatementLine_ = false; // other text than blanks has come: a statement, and no line of the object's data
     MifObjectData savedObject_{};
     int32_t savedDepth_ = 0;
     uint32_t savedHexMode_ = 0;
@@ -83,21 +83,35 @@ char *ObjectScan::run()
 // False when the stretch ends before the step does.
 bool ObjectScan::step()
 {
-    switch (*position_) {
-    case '=':
-        return facet();
-    case '&':
-        return data();
-    case '%':
-        if (frame_.object.skipData != 0) {
-            return restOfLine();
+    if (*position_ == '=' && atInsetEnd()) {
+        position_ = std::find_if_not(position_ + endInset.size(), end_, mifIsWhiteSpace);
+        frames_.hexMode = 0;
+        ended_ = true;
+        return true;
+    }
+    if (!isStatementLine_) { // a statement's value may hold any of these
+        switch (*position_) {
+        case '=':
+            return facet();
+        case '&':
+            return data();
+        case '%':
+            if (frame_.object.skipData != 0) {
+                return restOfLine();
+            }
+            break;
+        default:
+            break;
         }
-        break;
-    default:
-        break;
     }
     ordinaryByte();
     return true;
+}
+
+bool ObjectScan::atInsetEnd() const
+{
+    return static_cast<size_t>(end_ - position_) > endInset.size() &&
+           memcmp(position_, endInset.data(), endInset.size()) == 0;
 }
 
 void ObjectScan::ordinaryByte()
@@ -136,31 +150,11 @@ void ObjectScan::passLineEnd()
     beginLine();
 }
 
-// Counts the brackets of a line on which a nested statement began, up to `limit`: a `=` or `&` in a statement's value
-// must not hide the bracket that closes it. Returns the one that closes the object, or `limit`.
-char *ObjectScan::closingBracket(char *limit)
-{
-    if (!isStatementLine_) {
-        return limit;
-    }
-    for (char *byte = position_; byte < limit; ++byte) {
-        frames_.insetDepth += *byte == '<' ? 1 : *byte == '>' ? -1 : 0;
-        if (frames_.insetDepth == 0) {
-            return byte;
-        }
-    }
-    return limit;
-}
-
+// Passes over the rest of the line, brackets and all.
 bool ObjectScan::restOfLine()
 {
-    char *end = closingBracket(lineEnd());
-    position_ = end;
-    if (frames_.insetDepth == 0) {
-        ++position_;
-        return true;
-    }
-    if (end == end_) {
+    position_ = lineEnd();
+    if (position_ == end_) {
         return false;
     }
     passLineEnd();
@@ -170,13 +164,6 @@ bool ObjectScan::restOfLine()
 bool ObjectScan::facet()
 {
     frames_.hexMode = 0;
-    const auto length = static_cast<size_t>(end_ - position_);
-    if (length > endInset.size() && memcmp(position_, endInset.data(), endInset.size()) == 0) {
-        position_ += endInset.size();
-        position_ = std::find_if_not(position_, end_, mifIsWhiteSpace);
-        ended_ = true;
-        return true;
-    }
     const char *name = position_ + 1;
     if (!restOfLine()) {
         return false;
@@ -219,17 +206,13 @@ bool ObjectScan::data()
     return dataLine();
 }
 
-// The `&%` line of a facet: one character; what follows on the line is ordinary text. In a statement's value the
-// character is looked at again: it may be the bracket that closes the statement.
+// The `&%` line of a facet: one character counts.
 bool ObjectScan::marker()
 {
     frame_.object.percentChar = static_cast<uint8_t>(position_[1]);
     frame_.object.percentSeen = 1;
     ++position_;
-    if (!isStatementLine_ && !mifNewLine(*position_)) {
-        ++position_;
-    }
-    return true;
+    return restOfLine();
 }
 
 bool ObjectScan::dataLine()
@@ -245,17 +228,11 @@ bool ObjectScan::dataLine()
     while (mifInDataLine(read, limit)) {
         object.dataLength += mifDecodeData(read, end_, frames_.hexMode, byte) ? 1 : 0;
     }
-    char *dataEnd = position_ + (read - position_);
-    char *close = closingBracket(dataEnd);
-    position_ = close;
-    if (frames_.insetDepth == 0) {
-        ++position_;
-        return true;
-    }
-    if (close == end_) {
+    position_ += read - position_;
+    if (position_ == end_) {
         return false;
     }
-    if (mifNewLine(*close)) {
+    if (mifNewLine(*position_)) {
         passLineEnd();
     }
     return true;

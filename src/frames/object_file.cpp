@@ -122,6 +122,7 @@ int32_t decode(MifContext *context, uint8_t *destination, int32_t count)
     const int32_t start = file.readCursor.position;
     const Chunk chunk = readChunk(context, start, count);
     if (chunk.text == nullptr) {
+        returnStream(context); // from where a seek may have left it
         return 0;
     }
     if (destination != nullptr) {
