@@ -70,11 +70,11 @@ bool Session::fill()
     require(written <= size, "no more is written than the buffer holds");
     require(result_ != MIF_SUCCESS || percent_ == 100 || written != 0, "every call but the last gives tokens");
     takeTokens({buffer.get(), written});
-    if (result_ == MIF_SUCCESS && percent_ == 100) {
+    if (result_ != MIF_SUCCESS || percent_ == 100) {
         uint32_t further = 1;
-        int32_t percent = 0;
+        int32_t percent = 100;
         const int32_t result = reader_.mifFillBuffer(context_, buffer.get(), &further, &percent, size);
-        require(result == MIF_SUCCESS && further == 0 && percent == 100, "behind the end comes nothing");
+        require(result == result_ && further == 0 && (percent == 100 || result != MIF_SUCCESS), "the end is final");
     }
     return result_ == MIF_SUCCESS && percent_ != 100;
 }
@@ -108,24 +108,6 @@ void Session::checkMemory() const
     const size_t waiting = std::max(conditions_.bufferSizes[0], conditions_.bufferSizes[1]);
     require(memory_.peakBytes() <= fixedMemory + waiting + memoryPerByte * document_.size(),
             "memory is at most a constant times the document's size");
-}
-
-std::string withoutNotices(const std::string &stream)
-{
-    std::string rest;
-    mifhost::TokenDecoder decoder;
-    decoder.decode({reinterpret_cast<const uint8_t *>(stream.data()), stream.size()});
-    size_t start = 0;
-    while (const mifhost::Token *token = decoder.next()) {
-        const auto end = static_cast<size_t>(decoder.position());
-        const auto *text = std::get_if<mifhost::Text>(token);
-        if (text == nullptr ||
-            (text->bytes != "define macro statement encountered" && text->bytes != "include statment encountered")) {
-            rest.append(stream, start, end - start);
-        }
-        start = end;
-    }
-    return rest;
 }
 
 } // namespace miffuzz

@@ -118,9 +118,6 @@ private:
     std::vector<std::string> frames_; // identifiers
 };
 
-// The stream without the notices of macros: one that a stretch cuts is written twice.
-std::string withoutNotices(const std::string &stream);
-
 } // namespace miffuzz
 
 #endif

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "mifhost/document.h"
+#include "mifhost/error.h"
+#include "mifhost/stream.h"
 #include "support/documents.h"
 #include "support/test_host.h"
 
@@ -52,7 +55,28 @@ TEST(Faults, EveryAllocation)
                     convert(document, {.bufferSize = bufferSize, .objects = objects, .allocation = failing});
                 expectUnharmed(conversion);
                 EXPECT_TRUE(!failing.forGood || objects != ObjectUse::none || conversion.result == 6);
+                EXPECT_TRUE(failing.forGood || conversion.result == 0 || whole.stream.starts_with(conversion.stream));
             });
+        }
+    }
+}
+
+// A refusal that leaves a record out and goes on is told all the same.
+TEST(Faults, EveryRefusalIsToldByTheHostLibrary)
+{
+    for (const fs::path &path : testDocuments()) {
+        const std::string text = readFile(path);
+        const auto peakWithin = [&](size_t limit) {
+            mifhost::MemoryStream stream({reinterpret_cast<const uint8_t *>(text.data()), text.size()}, "name");
+            mifhost::Document document(stream, {.bufferSize = 4096, .memoryLimit = limit});
+            while (document.next() != nullptr) {
+            }
+            return document.memory().peakBytes();
+        };
+        const size_t peak = peakWithin(0);
+        EXPECT_EQ(peakWithin(peak), peak);
+        for (size_t limit = 1; limit < peak; limit += peak / mostFaults + 1) {
+            EXPECT_THROW(peakWithin(limit), mifhost::LimitReached) << path << ' ' << limit;
         }
     }
 }

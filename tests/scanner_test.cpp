@@ -3,6 +3,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include "mifreader/tokens.h"
 #include "reader/context.h"
@@ -99,14 +100,20 @@ TEST(Scanner, EveryPlaceOfAStretchEndGivesTheSame)
     }
 }
 
-TEST(Scanner, AMacroWordCutByAStretchEndIsStillOne)
+// One notice wherever the stretches end: at the macro's end, where it is given up, or at the document's end.
+TEST(Scanner, AMacroIsReportedOnce)
 {
-    const std::string document = documentOf("define(x)<String `a'>");
-    const size_t word = document.find("define");
-    for (size_t letters = 1; letters < 6; ++letters) {
-        const std::string comment = "#" + std::string(4096 - word - letters - 2, 'c') + "\n";
-        const std::string lines = tokensOf(comment + "define(x)<String `a'>");
-        EXPECT_EQ(lines, "text \"define macro statement encountered\"\ntext \"a\"\n") << letters;
+    const std::string notice = "text \"define macro statement encountered\"\n";
+    const auto tokensBehind = [](size_t shift, const std::string &flow) {
+        return tokensOf("#" + std::string(4000 + shift, 'c') + "\n" + flow);
+    };
+    for (size_t shift = 0; shift < 100; ++shift) {
+        EXPECT_EQ(tokensBehind(shift, "define(x,\n<String `b'>)<String `a'>"), notice + "text \"a\"\n") << shift;
+    }
+    const std::string filler(5000, 'x');
+    for (size_t shift = 0; shift < 4200; shift += 100) {
+        EXPECT_EQ(tokensBehind(shift, "define(" + filler + ")\n<String `a'>"), notice + "text \"a\"\n") << shift;
+        EXPECT_EQ(tokensBehind(shift, "define(" + filler.substr(0, 4080)), notice) << shift;
     }
 }
 
@@ -137,6 +144,29 @@ TEST(FillCycle, Header)
     headerOf("<MIFFile \t7.5 >\r\n", 7.5, nullptr);
     headerOf("<MIFFile x> #\n", 0.0, "");
     headerOf("<MIFFile 5.00>#a\r\n\r\n", 5.0, "a");
+}
+
+// Nine tenths of the largest ones do not fit in 32 bits when they are formed.
+TEST(FillCycle, BuffersOfUpToFourGigabytes)
+{
+    if (sizeof(void *) < 8) {
+        GTEST_SKIP() << "there is no room for them";
+    }
+    const size_t reserved = UINT32_MAX;
+    void *buffer = mmap(nullptr, reserved, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(buffer, MAP_FAILED);
+    for (const uint32_t size : {477'218'588U, 477'218'589U, UINT32_MAX}) {
+        TestHost host(documentOf("<String `a'>"));
+        MifContext *context = host.open();
+        ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+        uint32_t written = 0;
+        int32_t percent = 0;
+        EXPECT_EQ(mifFillBuffer(context, static_cast<uint8_t *>(buffer), &written, &percent, size), 0) << size;
+        EXPECT_EQ(percent, 100);
+        EXPECT_EQ(context->output.outputLimit, uint64_t{size} * 9 / 10);
+        host.close(context);
+    }
+    munmap(buffer, reserved);
 }
 
 TEST(FillCycle, PreambleAndPercent)

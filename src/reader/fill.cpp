@@ -42,29 +42,30 @@ bool prepareStretch(MifContext *context)
         return true;
     }
     // Nor is anything read later, behind a read that failed or behind a table without an end, whose replay has read the
-    // rest of the document.
+    // rest of the document. A step that was to be completed by that read meets the document's end.
+    MifSourceState &source = context->source;
     context->replay.readingStretch = 0;
-    context->source.bytesRead = context->source.totalSize;
-    return false;
+    source.bytesRead = source.totalSize;
+    return source.scanPosition != source.bufferEnd;
 }
 
 // Fills the output. Returns the call's result and stores the percent.
 int32_t fillOutput(MifContext *context, int32_t *percent)
 {
     for (;;) {
+        if (context->output.failed != 0) {
+            *percent = percentDone(context, false);
+            return MIF_FAILURE;
+        }
         if (!prepareStretch(context)) {
             *percent = percentDone(context, true);
             return MIF_SUCCESS;
         }
-        const int scanned = mifProcessBuffer(context);
+        if (mifProcessBuffer(context) == 0) {
+            context->output.failed = 1;
+        }
         *percent = percentDone(context, false);
-        if (scanned == 0) {
-            context->output.failed = 1; // what is missing must not be passed over by a further call
-        }
-        if (context->output.failed != 0) {
-            return MIF_FAILURE;
-        }
-        if (context->output.outputFull != 0 || *percent >= 100) {
+        if (context->output.failed == 0 && (context->output.outputFull != 0 || *percent >= 100)) {
             return MIF_SUCCESS;
         }
     }
@@ -79,20 +80,22 @@ int32_t mifFillBuffer(MifContext *context, uint8_t *buffer, uint32_t *bytesWritt
         return MIF_FAILURE;
     }
     MifOutputState &output = context->output;
-    mifBeginOutput(context, buffer, bufferSize);
-    int32_t result = MIF_FAILURE;
-    if (output.outputLimit == 0 || output.failed != 0) {
-        *percent = percentDone(context, false);
-    } else {
-        if (context->source.firstCall != 0) {
-            mifWritePreamble(context);
-            mifReadFirstStretch(context);
-            if (mifMIFFile(context) == 0) {
-                return MIF_FAILURE;
-            }
-        }
-        result = fillOutput(context, percent);
+    if (output.ended != 0 || output.failed != 0) { // both are final
+        *bytesWritten = 0;
+        *percent = percentDone(context, output.ended != 0);
+        return output.ended != 0 ? MIF_SUCCESS : MIF_FAILURE;
     }
+    mifBeginOutput(context, buffer, bufferSize);
+    if (output.failed == 0 && context->source.firstCall != 0) {
+        mifWritePreamble(context);
+        mifReadFirstStretch(context);
+        if (mifMIFFile(context) == 0) {
+            output.failed = 1;
+            return MIF_FAILURE;
+        }
+    }
+    const int32_t result = fillOutput(context, percent);
+    output.ended = result == MIF_SUCCESS && *percent >= 100 ? 1 : 0;
     *bytesWritten = static_cast<uint32_t>(output.outputPosition - output.outputStart);
     return result;
 }

@@ -44,7 +44,8 @@ struct MifOutputState {
     uint32_t outputLimit;  // bytes after which no step is begun: nine tenths of the buffer
     uint8_t *stopPosition; // where the limit is; outputStart when a token waits or is lost, so that one test tells all
     uint32_t outputFull;   // the last fill call stopped at the limit, in the middle of a stretch
-    uint32_t failed;       // the stream has a gap: memory was exhausted, or a token is larger than the buffer
+    uint32_t ended;        // a fill call has reported 100 percent
+    uint32_t failed;       // a fill call has returned 6, or will: the document is refused, or its stream has a gap
     MifList<MifQueuedToken> queue;
 };
 

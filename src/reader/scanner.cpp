@@ -330,8 +330,8 @@ Step Scan::comment()
     return Step::next;
 }
 
-// The word itself may be cut by the stretch's end; a macro that is cut later is scanned again, its notice written
-// again.
+// A macro that the stretch's end cuts is given back whole. Its notice comes when it is done with: at its end, at the
+// document's end, or when it is as long as the buffer, so that the next read gives it up.
 Step Scan::macro(std::string_view word, std::string_view notice)
 {
     char *cursor = source_.scanPosition;
@@ -341,8 +341,10 @@ Step Scan::macro(std::string_view word, std::string_view notice)
     if (!atWord(cursor, word)) {
         return strayText();
     }
-    mifWriteText(context_, notice.data(), notice.size());
     char *close = findByte(cursor, ')');
+    if (close != nullptr || !mifMoreToRead(context_) || source_.bufferEnd - cursor == sourceBufferSize) {
+        mifWriteText(context_, notice.data(), notice.size());
+    }
     if (close == nullptr) {
         return giveBack();
     }

@@ -122,8 +122,12 @@ void mifBeginOutput(MifContext *context, uint8_t *buffer, uint32_t bufferSize)
     output.outputPosition = buffer;
     output.outputEnd = buffer + bufferSize;
     output.bufferSize = bufferSize;
-    output.outputLimit = bufferSize * 9U / 10U;
+    output.outputLimit = static_cast<uint32_t>(uint64_t{bufferSize} * 9U / 10U);
     output.stopPosition = buffer + output.outputLimit;
+    if (output.outputLimit == 0) {
+        output.failed = 1;
+        return;
+    }
     while (!output.queue.empty() &&
            output.queue.head->length <= static_cast<size_t>(output.outputEnd - output.outputPosition)) {
         MifQueuedToken *token = output.queue.takeFirst();

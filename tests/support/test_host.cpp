@@ -298,7 +298,11 @@ MifContext *TestHost::open()
 
 void TestHost::fill(MifContext *context, Conversion &conversion)
 {
-    const uint32_t size = conditions_.bufferSize;
+    fill(context, conversion, conditions_.bufferSize);
+}
+
+void TestHost::fill(MifContext *context, Conversion &conversion, uint32_t size)
+{
     uint8_t *buffer = buffers_.next(size);
     const Guarded<uint32_t> written;
     const Guarded<int32_t> percent;
@@ -342,11 +346,8 @@ Conversion TestHost::convert()
             fill(context, conversion);
             checkWork(conversion);
         }
-        if (conversion.result == 0) {
-            const std::string stream = conversion.stream;
-            fill(context, conversion);
-            EXPECT_TRUE(conversion.result == 0 && conversion.percent == 100 && conversion.stream == stream)
-                << "a call after the end gives something";
+        if (work_.calls > 0) {
+            checkThatItIsFinal(context, conversion);
         }
         close(context);
     }
@@ -354,6 +355,18 @@ Conversion TestHost::convert()
     conversion.failedSize = failedSize_;
     conversion.fonts = fonts;
     return conversion;
+}
+
+// After 100 percent and after a 6 nothing comes, whatever the buffer.
+void TestHost::checkThatItIsFinal(MifContext *context, const Conversion &conversion)
+{
+    for (const uint32_t size : {conditions_.bufferSize, 0U, 1U, 100'000U}) {
+        Conversion further;
+        fill(context, further, size);
+        EXPECT_TRUE(further.result == conversion.result && (further.percent == 100 || further.result == 6) &&
+                    further.stream.empty())
+            << "a further call, with a buffer of " << size << ", gives something else";
+    }
 }
 
 // Two calls together fill a buffer up to its limit, so a document that comes to its end has so many calls at most.

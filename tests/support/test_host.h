@@ -100,6 +100,7 @@ public:
     // The steps of it, for tests that look between them.
     MifContext *open();
     void fill(MifContext *context, Conversion &conversion);
+    void fill(MifContext *context, Conversion &conversion, uint32_t bufferSize);
     void close(MifContext *context);
 
     // The whole of an object, read in blocks; it stays open. False when there is no such object.
@@ -128,6 +129,7 @@ private:
     void useObjects(MifContext *context, Conversion &conversion);
     void misuseObject(MifContext *context, const std::string &name);
     void checkWork(const Conversion &conversion) const;
+    void checkThatItIsFinal(MifContext *context, const Conversion &conversion);
 
     std::string document_;
     Conditions conditions_;
