@@ -184,6 +184,22 @@ TEST(Formats, DefinitionsThatFail)
     EXPECT_EQ(fontSizeAfter("<PgfCatalog <Pgf <PgfTag `A'> <FSize 4>> <Pgf <PgfTag `'> <FSize 5>>><PgfTag `A'>"), 4);
 }
 
+// A definition that is still to come when a table is replayed stays so: the cells have their own formats.
+TEST(Formats, DefinitionsThatWaitDuringAReplay)
+{
+    const std::string cell = "<Row <Cell <Para <Pgf <PgfLIndent 2> <PgfRIndent 2>> <Font <FSize 8>> <String `c'>>>>";
+    const std::string table = "<Tbls <Tbl <TblID 1> " + cell + ">>";
+    const std::string inCell =
+        "para-format left=2880 right=2880 first=0 alignment=left\nfont number=0 size=8\ntext \"c\"\n"
+        "line-break\npara-end\ncell-end\ntable-end\n";
+    const std::string before = "<PgfLIndent 1\"><PgfRIndent 1\"><FSize 0>";
+    EXPECT_EQ(tokensOf(table + before + "<PgfTag `New'><ATbl 1><Pgf <FSize 9>><String `a'>" + before +
+                       "<PgfTag `New'><FSize 7><String `b'>"),
+              inCell + "font number=0 size=9\ntext \"a\"\n" + indents + "font number=0 size=7\ntext \"b\"\n");
+    EXPECT_EQ(tokensOf(table + before + "<FontCatalog <FTag `New'>><ATbl 1><Font <FSize 9>><FSize 7><String `a'>"),
+              inCell + "font number=0 size=7\ntext \"a\"\n");
+}
+
 // The number that the output tells of a font is the host's, counted from 0; without an answer it is 0.
 TEST(Formats, NumbersOfFonts)
 {
@@ -237,8 +253,15 @@ TEST(Formats, NumberTexts)
         tokensOf(flush + "<Para <PgfNumString `1\\t'> <String `a'><FSize 9><String `b'>><Para <FSize 8><String `c'>>"),
         "tab\ntext \"1 \"\ntext \"a\"\nfont number=0 size=9\ntext \"b\"\n" + para +
             "font number=0 size=8\ntext \"c\"\n" + para);
-    EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'>><Para <String `b'>>"), para + "text \"b\"\n" + para)
-        << "dropped";
+    EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'>><Para <String `b'>>"),
+              "text \"1\"\n" + para + "text \"b\"\n" + para)
+        << "without any text, before the line break";
+    EXPECT_EQ(tokensOf("<Para <PgfNumString `1'> <PgfLIndent 0><PgfRIndent 0><FBold Yes>>"),
+              "attribute bold on\ntext \"1\"\nattribute bold off\n" + para)
+        << "and with the format";
+    EXPECT_EQ(tokensOf(flush + "<Para <TextRectID 8> <PgfNumString `1'>><Para <TextRectID 9> <String `b'>>"),
+              "text \"b\"\n" + para)
+        << "not body text";
     EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'><Notes <Para <String `n'>>><String `b'>>"),
               "text \"1\"\ntext \"b\"\n" + para);
     // A table or a footnote in the paragraph has its own numbers.
@@ -246,6 +269,30 @@ TEST(Formats, NumberTexts)
     EXPECT_EQ(tokensOf(table + flush + "<Para <PgfNumString `1'> <ParaLine <ATbl 1> <String `a'>>>"),
               "font number=0 size=9\ntext \"c\"\ntext \"cell\"\n" + para +
                   "cell-end\ntable-end\ntext \"1\"\ntext \"a\"\n" + para);
+    EXPECT_EQ(tokensOf(table + flush + "<Para <PgfNumString `1'> <ParaLine <ATbl 1>>>"),
+              "font number=0 size=9\ntext \"c\"\ntext \"cell\"\n" + para + "cell-end\ntable-end\ntext \"1\"\n" + para);
+    for (const char *const inside : {"<AFrames <Frame <Para <PgfNumString `f'> <String `f'>>>>", "<Notes <Para >>",
+                                     "<Tbls <Tbl <Para <PgfNumString `t'>>>>"}) {
+        EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'> " + inside + "<String `a'>>"),
+                  "text \"1\"\ntext \"a\"\n" + para)
+            << inside;
+    }
+    EXPECT_EQ(tokensOf(flush + "<Para <PgfNumString `1'> <Para <PgfNumString `2'> <String `b'>> <String `a'>>"),
+              "text \"2\"\ntext \"b\"\n" + para + "text \"1\"\ntext \"a\"\n" + para);
+    // The paragraph that a table leaves open is not the one that comes next.
+    EXPECT_EQ(tokensOf("<Tbls <Tbl <TblID 1> <Row <Cell <Para <PgfNumString `c'> <Tbl 0>>>>>>" + flush +
+                       "<Para <ParaLine <ATbl 1> <Para <String `b'>>>>"),
+              "table-end\ntext \"b\"\n" + para + para);
+    // Neither a selected format nor a font tag takes it away.
+    EXPECT_EQ(tokensWith("<PgfCatalog <Pgf <PgfTag `N'> <PgfLIndent 1\"> <PgfRIndent 1\">>><FontCatalog <Font <FTag "
+                         "`Emphasis'>>>",
+                         "<String `a'><Para <PgfNumString `2.\\t'> <PgfTag `N'> <ParaLine <Font <FTag `Emphasis'>> "
+                         "<String `Two'>>>"),
+              indents + "text \"a\"\ntab\ntext \"2. \"\ntext \"Two\"\n" + para);
+    // Outside of paragraphs it waits for the next text, and not longer than the next paragraph.
+    EXPECT_EQ(tokensOf(flush + "<PgfNumString `1'><Para <PgfNumString `2'> <String `a'>>"),
+              "text \"1\"\ntext \"2\"\ntext \"a\"\n" + para);
+    EXPECT_EQ(tokensOf(flush + "<PgfNumString `1'><Para ><Para <String `a'>>"), para + "text \"a\"\n" + para);
     EXPECT_EQ(tokensOf(flush + "<PgfNumString `" + std::string(200, 'n') + "'><String `b'>"),
               "text \"" + std::string(159, 'n') + "\"\ntext \"b\"\n");
 }
@@ -261,6 +308,8 @@ TEST(Formats, Variables)
         tokensWith(catalog, reference("V") + reference("V") + reference("v") + reference("none") + reference("E")),
         "text \"Rev \\x93A<open\"\ntext \"Rev \\x93A<open\"\ntext \"\"\n");
     EXPECT_EQ(tokensOf("<VariableDef `x'>" + reference("V")), "");
+    EXPECT_EQ(tokensOf("<VariableFormats <VariableName > <VariableDef `x'>><Variable <VariableName >>"), "text \"x\"\n")
+        << "a name without a character";
     EXPECT_EQ(tokensWith(catalog, "<Notes " + reference("E") + "><TextRectID 8>" + reference("E")), "text \"\"\n");
 }
 

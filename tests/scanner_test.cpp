@@ -291,7 +291,7 @@ TEST(StatementTable, ResultsOfTheHandlers)
         host.fill(context, conversion);
         surround(*context);
         std::string text = value != nullptr ? value : "";
-        MifStatement statement{row.handler, nullptr, nullptr, nullptr};
+        MifStatement statement{&row, nullptr, nullptr, nullptr};
         if (value != nullptr) {
             statement.valueStart = text.data();
             statement.valueEnd = text.data() + text.size() - 1;

@@ -76,9 +76,6 @@ int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog)
         return 0;
     }
     mifConvertString(context, value);
-    if (context->replay.readingStretch != 0) {
-        return 1; // stored when the table was read first; its other readings must not add to the memory
-    }
     MifStoredStatement *statement = makeStatement(context, value);
     if (statement == nullptr) {
         return 0;

@@ -11,6 +11,13 @@ MifFormatEntry *mifFindFormat(const MifFormatCatalog &catalog, const char *tag);
 // name of the statement opened last. Returns the entry, or null when memory is exhausted: then nothing has changed.
 MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, const char *tag);
 
+// Whether the statements that are met belong to the definition of an entry. Those of a replayed table do not: they
+// would be stored at each anchor again.
+inline bool mifIsDefining(const MifContext *context, const MifFormatCatalog &catalog)
+{
+    return catalog.pending != 0 && context->replay.readingStretch == 0;
+}
+
 // Appends the closing statement to the entry being defined. Returns 1, or 0 when it has no value, when the
 // entry has mostStoredStatements already, or when memory is exhausted.
 int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog);

@@ -41,7 +41,7 @@ int mifFont(MifContext *context)
 {
     MifFormatState &formats = context->formats;
     formats.inFont = 0;
-    if (formats.fontCatalog.pending != 0) {
+    if (mifIsDefining(context, formats.fontCatalog)) {
         if (mifPgfSetParagraphStyle(context) == 0) {
             return 0;
         }

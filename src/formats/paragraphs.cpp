@@ -2,19 +2,40 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "formats/catalog.h"
 #include "formats/direct.h"
 #include "formats/properties.h"
 #include "formats/resolution.h"
+#include "reader/host_memory.h"
 
 namespace
 {
 
-// Tells the paragraphs of the text flow from those of a replayed table and of footnotes, which stand inside of others.
-uint32_t paragraphLevel(const MifContext *context)
+// Has the text of numString wait in the innermost open paragraph, in place of the one that waits there.
+int keepNumber(MifContext *context)
 {
-    return (context->replay.readingStretch != 0 ? 2U : 0U) | (context->pages.inNotes != 0 ? 1U : 0U);
+    MifFormatState &formats = context->formats;
+    const uint32_t paragraph = context->scanner.openParagraphs;
+    if (paragraph != 0) {
+        mifDropNumbers(context, paragraph);
+    } else {
+        mifDropStrayNumber(context);
+    }
+    if (*formats.currentStyle.numString == '\0') {
+        return 1;
+    }
+    formats.styleChanged = 1; // that of appliedStyle is always empty
+    auto *number = mifAllocateZeroed<MifWaitingNumber>(context);
+    if (number == nullptr) {
+        return 0;
+    }
+    MifWaitingNumber *&place = paragraph != 0 ? formats.numbers : formats.strayNumber;
+    *number = {place, paragraph, {}};
+    memcpy(number->text, formats.currentStyle.numString, sizeof(number->text));
+    place = number;
+    return 1;
 }
 
 } // namespace
@@ -30,7 +51,7 @@ int mifPgf(MifContext *context)
 {
     MifFormatState &formats = context->formats;
     formats.inPgf = 0;
-    if (formats.pgfCatalog.pending != 0) {
+    if (mifIsDefining(context, formats.pgfCatalog)) {
         if (mifPgfSetParagraphStyle(context) == 0) {
             return 0;
         }
@@ -69,7 +90,7 @@ int mifPgfStoreInformation(MifContext *context)
     return mifStoreStatement(context, context->formats.pgfCatalog);
 }
 
-// The text keeps its escapes until it is written, once, with the next format.
+// The text keeps its escapes until it is written, once, with the next format of its paragraph.
 int mifPgfNumString(MifContext *context)
 {
     MifFormatState &formats = context->formats;
@@ -81,29 +102,30 @@ int mifPgfNumString(MifContext *context)
     const size_t length = std::min(strlen(value), sizeof(numString) - 1);
     memcpy(numString, value, length);
     numString[length] = '\0';
-    MifPendingNumber &number = mifOwnNumber(context);
-    number.pending = length != 0 ? 1 : 0;
-    memcpy(number.text, numString, sizeof(number.text));
-    if (length != 0) {
-        formats.styleChanged = 1; // that of appliedStyle is always empty
-    }
-    return 1;
+    return keepNumber(context);
 }
 
-MifPendingNumber &mifOwnNumber(MifContext *context)
+MifWaitingNumber *mifTakeNumber(MifContext *context)
 {
-    return context->formats.pendingNumbers[paragraphLevel(context)];
+    MifFormatState &formats = context->formats;
+    if (!mifNumberWaits(context)) {
+        return nullptr;
+    }
+    MifWaitingNumber *&place = formats.strayNumber != nullptr ? formats.strayNumber : formats.numbers;
+    return std::exchange(place, place->enclosing);
 }
 
-bool mifInterruptedNumber(const MifContext *context)
+void mifDropNumbers(MifContext *context, uint32_t paragraph)
 {
-    const uint32_t own = paragraphLevel(context);
-    for (uint32_t level = 0; level < paragraphLevels; ++level) {
-        if (level != own && context->formats.pendingNumbers[level].pending != 0) {
-            return true;
-        }
+    MifWaitingNumber *&innermost = context->formats.numbers;
+    while (innermost != nullptr && innermost->paragraph >= paragraph) {
+        mifRelease(context, std::exchange(innermost, innermost->enclosing));
     }
-    return false;
+}
+
+void mifDropStrayNumber(MifContext *context)
+{
+    mifRelease(context, std::exchange(context->formats.strayNumber, nullptr));
 }
 
 int mifPgfFont(MifContext * /*context*/)
@@ -170,4 +192,6 @@ void mifFreeParagraphCatalogs(MifContext *context)
 {
     mifFreeFormats(context, context->formats.pgfCatalog);
     context->formats.currentPgf = nullptr;
+    mifDropNumbers(context, 0);
+    mifDropStrayNumber(context);
 }

@@ -31,12 +31,24 @@ int mifPgfStoreInformation(MifContext *context);
 // Makes a catalog entry of that tag, whose definition is to follow.
 int mifPgfCreateNewPgf(MifContext *context, const char *tag);
 
-// The number text of the paragraph that is being read. The one of a paragraph that a table or a footnote interrupts is
-// another, and stays.
-MifPendingNumber &mifOwnNumber(MifContext *context);
+// Whether a number text waits for the next text: that of the innermost open paragraph, or one outside of paragraphs.
+// Those of the paragraphs around wait for their own.
+inline bool mifNumberWaits(const MifContext *context)
+{
+    const MifFormatState &formats = context->formats;
+    return formats.strayNumber != nullptr ||
+           (formats.numbers != nullptr && formats.numbers->paragraph == context->scanner.openParagraphs);
+}
 
-// Whether the number text of an interrupted paragraph waits: the format is not done with before that is written.
-bool mifInterruptedNumber(const MifContext *context);
+// The number text that the next text is to begin with, which is now the caller's to release; null when none waits.
+// There may be a second one.
+MifWaitingNumber *mifTakeNumber(MifContext *context);
+
+// Drops the numbers of paragraphs that are nested so deep or deeper.
+void mifDropNumbers(MifContext *context, uint32_t paragraph);
+
+// Drops the number that waits outside of paragraphs.
+void mifDropStrayNumber(MifContext *context);
 
 void mifFreeParagraphCatalogs(MifContext *context);
 

@@ -56,14 +56,12 @@ struct MifFormatCatalog {
     uint32_t pending;         // an entry has been made and its definition is being stored
 };
 
-// A number text that waits for the first text of its paragraph, as it was written in the file.
-struct MifPendingNumber {
-    uint32_t pending;
+// A number text that waits for the next text of its paragraph, as it was written in the file.
+struct MifWaitingNumber {
+    MifWaitingNumber *enclosing; // of a paragraph around this one; null for none
+    uint32_t paragraph;          // its own: how many paragraphs are open in it; 0 outside of all
     char text[sizeof(MifParagraphStyle::numString)];
 };
-
-// Where a paragraph stands: in the text flow, in a footnote, in a replayed table, in a footnote there.
-inline constexpr uint32_t paragraphLevels = 4;
 
 // The scanner raises the inside flags.
 struct MifFormatState {
@@ -74,8 +72,9 @@ struct MifFormatState {
     uint32_t inPgf;
     uint32_t inFontCatalog;
     uint32_t inFont;
-    uint32_t styleChanged; // currentStyle may differ from appliedStyle, or a number text waits
-    MifPendingNumber pendingNumbers[paragraphLevels];
+    uint32_t styleChanged;          // currentStyle may differ from appliedStyle
+    MifWaitingNumber *numbers;      // of open paragraphs, the innermost first, at most one of each
+    MifWaitingNumber *strayNumber;  // the one outside of all paragraphs; it waits for whatever text comes next
     MifParagraphStyle currentStyle; // what the document asks for
     MifParagraphStyle appliedStyle; // what the output was last told; written by text/apply_format alone
 };

@@ -1,6 +1,6 @@
 #include "formats/resolution.h"
 
-#include "formats/paragraphs.h"
+#include "reader/context.h"
 
 int mifPgfSetParagraphStyle(MifContext *context)
 {
@@ -20,7 +20,7 @@ int mifPgfSetParagraphStyle(MifContext *context)
         }
         differs = differs || change == MifChange::differs;
     }
-    differs = differs || formats.currentStyle.modes != formats.appliedStyle.modes || mifInterruptedNumber(context);
+    differs = differs || formats.currentStyle.modes != formats.appliedStyle.modes;
     formats.styleChanged = differs ? 1 : 0;
     return 1;
 }

@@ -11,6 +11,17 @@
 // goes on either way.
 using MifStatementHandler = int (*)(MifContext *context);
 
+// The flag that a start tag raises. The statement's own handler clears it; it is no counter.
+using MifInsideFlag = uint32_t &(*)(MifContext &context);
+
+// A statement that the reader understands.
+struct MifStatementEntry {
+    char name[32];
+    MifStatementHandler handler;
+    MifInsideFlag insideFlag; // null for most statements
+    uint32_t isParagraph = 0; // counted in openParagraphs while it is open
+};
+
 struct MifHostState {
     HostServices *services;
     HostStream *stream;
@@ -77,7 +88,7 @@ struct MifSourceState {
 // An open statement. The value is in the source buffer, from valueStart to valueEnd, which is its last byte (so an
 // empty value ends before it starts). Both are null for a statement that has no value.
 struct MifStatement {
-    MifStatementHandler handler;
+    const MifStatementEntry *row;
     char *valueStart;
     char *valueEnd;
     MifStatement *enclosing; // null at top level
@@ -89,6 +100,7 @@ struct MifScannerState {
     uint32_t *insideFlag; // the flag that this start tag raised, or null, and what it was before
     uint32_t insideFlagBefore;
     MifStatement *statementStack; // the innermost open statement
+    uint32_t openParagraphs;      // of the statements on the stack
 };
 
 // Leaving the flow for a table and coming back. Idle, suspendPending, readingStretch, both readingStretch and
@@ -106,8 +118,6 @@ struct MifReplayState {
 struct MifUnitState {
     int32_t documentUnit; // twips per unit of the Units statement; no conversion reads it
 };
-
-struct MifStatementEntry;
 
 // One row of the statement table in a hash chain.
 struct MifLookupEntry {

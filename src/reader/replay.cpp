@@ -1,5 +1,6 @@
 #include "reader/replay.h"
 
+#include "formats/paragraphs.h"
 #include "reader/source.h"
 #include "reader/statement.h"
 
@@ -40,6 +41,7 @@ int mifRestoreCurrentBuffer(MifContext *context)
     while (context->scanner.statementStack != nullptr && context->scanner.statementStack != replay.savedStatement) {
         mifProcessEndTag(context, 0);
     }
+    mifDropNumbers(context, context->scanner.openParagraphs + 1);
     moveStream(context, replay.savedPosition);
     replay.readingStretch = 0;
     replay.restorePending = 0;

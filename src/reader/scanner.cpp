@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "formats/catalog.h"
 #include "formats/fonts.h"
 #include "formats/paragraphs.h"
 #include "frames/imported_objects.h"
@@ -23,25 +24,29 @@ constexpr std::string_view includeWord = "include";
 constexpr std::string_view defineNotice = "define macro statement encountered";
 constexpr std::string_view includeNotice = "include statment encountered";
 
-// While a format's definition is being stored, its statements are kept instead of being carried out.
-MifStatementHandler handlerOf(const MifContext *context, const MifStatementEntry &row)
+constexpr MifStatementEntry storedInParagraph = {"", mifPgfStoreInformation, nullptr};
+constexpr MifStatementEntry storedInFont = {"", mifFontStoreInformation, nullptr};
+
+// While a format's definition is being stored, its statements are kept instead of being carried out. Those of a
+// replayed table are carried out all the same, like those of any other cell.
+const MifStatementEntry &rowToOpen(const MifContext *context, const MifStatementEntry &row)
 {
     const MifFormatState &formats = context->formats;
-    if (formats.inPgf != 0 && formats.pgfCatalog.pending != 0 && row.handler != mifPgfFont &&
+    if (formats.inPgf != 0 && mifIsDefining(context, formats.pgfCatalog) && row.handler != mifPgfFont &&
         row.handler != mifTabStop) {
-        return mifPgfStoreInformation;
+        return storedInParagraph;
     }
-    if (formats.inFont != 0 && formats.fontCatalog.pending != 0) {
-        return mifFontStoreInformation;
+    if (formats.inFont != 0 && mifIsDefining(context, formats.fontCatalog)) {
+        return storedInFont;
     }
-    return row.handler;
+    return row;
 }
 
 // Opens a statement and raises its inside flag. Returns false when memory is exhausted.
 bool mifProcessStartTag(MifContext *context, const MifStatementEntry &row, char *valueStart)
 {
     MifScannerState &scanner = context->scanner;
-    if (mifPushStatement(context, handlerOf(context, row), valueStart) == nullptr) {
+    if (mifPushStatement(context, rowToOpen(context, row), valueStart) == nullptr) {
         return false;
     }
     scanner.insideFlag = nullptr;

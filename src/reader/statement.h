@@ -6,12 +6,13 @@
 #include "reader/host_memory.h"
 
 // Opens a statement: a new node becomes the innermost one. Returns null when memory is exhausted.
-inline MifStatement *mifPushStatement(MifContext *context, MifStatementHandler handler, char *valueStart)
+inline MifStatement *mifPushStatement(MifContext *context, const MifStatementEntry &row, char *valueStart)
 {
     auto *statement = static_cast<MifStatement *>(mifAllocateBytes(context, sizeof(MifStatement)));
     if (statement != nullptr) {
-        *statement = {handler, valueStart, nullptr, context->scanner.statementStack};
+        *statement = {&row, valueStart, nullptr, context->scanner.statementStack};
         context->scanner.statementStack = statement;
+        context->scanner.openParagraphs += row.isParagraph;
     }
     return statement;
 }
@@ -24,11 +25,12 @@ inline int mifProcessEndTag(MifContext *context, int runHandler)
     if (statement == nullptr) {
         return 1;
     }
-    const int result = runHandler != 0 ? statement->handler(context) : 1;
+    const int result = runHandler != 0 ? statement->row->handler(context) : 1;
     if (statement == context->replay.savedStatement) {
         context->replay.savedStatement = nullptr; // its address may come back as another statement's
     }
     context->scanner.statementStack = statement->enclosing;
+    context->scanner.openParagraphs -= statement->row->isParagraph;
     mifRelease(context, statement);
     return result;
 }

@@ -53,7 +53,7 @@ const MifStatementEntry MifStatementTable[statementCount] = {
     {"EqualizeWidths", mifEqualizeWidths, insideFlag<&MifContext::tables, &MifTableState::inEqualizeWidths>},
     {"TblColumnNum", mifTblColumnNum, nullptr},
     {"MIFFile", mifMIFFile, nullptr},
-    {"Para", mifPara, nullptr},
+    {"Para", mifPara, nullptr, 1},
     {"ParaLine", mifParaLine, nullptr},
     {"String", mifString, nullptr},
     {"MText", mifMText, nullptr},

@@ -10,15 +10,6 @@
 
 #include "reader/context.h"
 
-// The flag that a start tag raises. The statement's own handler clears it; it is no counter.
-using MifInsideFlag = uint32_t &(*)(MifContext &context);
-
-struct MifStatementEntry {
-    char name[32];
-    MifStatementHandler handler;
-    MifInsideFlag insideFlag; // null for most statements
-};
-
 inline constexpr uint32_t statementCount = 79;
 
 // Read-only and shared by all contexts.

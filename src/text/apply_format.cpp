@@ -6,6 +6,7 @@
 #include "formats/properties.h"
 #include "formats/tab_stops.h"
 #include "mifreader/tokens.h"
+#include "reader/host_memory.h"
 #include "reader/tokens.h"
 #include "text/conversion.h"
 
@@ -71,16 +72,13 @@ bool applyTabStops(MifContext *context, const MifParagraphStyle &current, MifPar
            (mifWriteTabStops(context, current) != 0 && mifCopyTabStops(context, current, applied));
 }
 
-// Once for each number text, in its own paragraph.
-void writeNumString(MifContext *context)
+void writeNumbers(MifContext *context)
 {
-    MifPendingNumber &number = mifOwnNumber(context);
-    if (number.pending == 0) {
-        return;
+    while (MifWaitingNumber *number = mifTakeNumber(context)) {
+        mifConvertString(context, number->text);
+        mifWriteText(context, number->text, strlen(number->text));
+        mifRelease(context, number);
     }
-    number.pending = 0;
-    mifConvertString(context, number.text);
-    mifWriteText(context, number.text, strlen(number.text));
 }
 
 } // namespace
@@ -96,14 +94,15 @@ int mifApplyParagraphStyle(MifContext *context)
     if (!applyTabStops(context, formats.currentStyle, formats.appliedStyle)) {
         return 0;
     }
-    writeNumString(context);
-    formats.styleChanged = mifInterruptedNumber(context) ? 1 : 0;
+    writeNumbers(context);
+    formats.styleChanged = 0;
     return 1;
 }
 
 int mifApplyPendingFormat(MifContext *context)
 {
-    return context->formats.styleChanged == 0 || mifApplyParagraphStyle(context) != 0;
+    const bool pending = context->formats.styleChanged != 0 || mifNumberWaits(context);
+    return !pending || mifApplyParagraphStyle(context) != 0;
 }
 
 void mifSetModes(MifContext *context)

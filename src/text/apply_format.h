@@ -5,12 +5,12 @@
 
 #include "reader/context.h"
 
-// Writes the differences and the pending number text, and makes appliedStyle equal to what it wrote. Outside of body
-// text nothing is written and styleChanged stays. Returns 1, or 0 when memory is exhausted: the text must not be
-// written then.
+// Writes the differences and the number texts that wait for this text, and makes appliedStyle equal to what it wrote.
+// Outside of body text nothing is written and styleChanged stays. Returns 1, or 0 when memory is exhausted: the text
+// must not be written then.
 int mifApplyParagraphStyle(MifContext *context);
 
-// Writes the format that waits, if any. Returns what mifApplyParagraphStyle returns.
+// Writes the format and the numbers that wait, if any. Returns what mifApplyParagraphStyle returns.
 int mifApplyPendingFormat(MifContext *context);
 
 // Switches every mode of currentStyle on, those that are on already too.

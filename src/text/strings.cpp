@@ -102,13 +102,20 @@ int mifCharEx(MifContext *context, const char *name)
     return 0;
 }
 
-// A format that waits is not written at a paragraph's end, but with the next text.
+// A format that waits is not written at a paragraph's end, but with the next text. A number that still waits is, since
+// the paragraph has no text that it could begin.
 int mifPara(MifContext *context)
 {
-    mifOwnNumber(context).pending = 0; // a number text does not pass the end of its own paragraph
+    const uint32_t paragraph = context->scanner.openParagraphs;
     if (isBreakSuppressed(context) || context->pages.inBodyText == 0) {
+        mifDropNumbers(context, paragraph);
         return 1;
     }
+    mifDropStrayNumber(context);
+    if (mifNumberWaits(context)) {
+        mifApplyParagraphStyle(context);
+    }
+    mifDropNumbers(context, paragraph);
     if (mifClearModes(context) != 0) {
         context->formats.styleChanged = 1;
     }
