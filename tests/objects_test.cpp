@@ -337,6 +337,30 @@ TEST(Objects, ThoseOfATestDocument)
     EXPECT_EQ(files, 10U);
 }
 
+TEST(Objects, SeeksAtAndBeyondTheEnd)
+{
+    OpenDocument document(framesDocument(frame("5", hexFacet)));
+    document.fillAll();
+    const MifFileAccess &access = document.access();
+    MifFileHandle file = document.handle("5");
+    access.mifFileOpen(&file);
+    const auto readAfter = [&](int32_t offset, int32_t origin, int32_t count) {
+        EXPECT_EQ(access.mifFileSeek(&file, offset, origin), 1);
+        char buffer[64];
+        return std::string(buffer, static_cast<size_t>(access.mifFileRead(&file, buffer, count)));
+    };
+    EXPECT_EQ(readAfter(2, MIF_SEEK_START, 2), hexBytes.substr(2, 2));
+    EXPECT_EQ(readAfter(0, MIF_SEEK_END, 2), hexBytes.substr(4, 2)) << "reads go on where they were";
+    EXPECT_EQ(access.mifFileTell(&file), 18);
+    EXPECT_EQ(readAfter(100, MIF_SEEK_START, 4), "");
+    EXPECT_EQ(access.mifFileTell(&file), 0);
+    EXPECT_EQ(readAfter(4, MIF_SEEK_START, 4), hexBytes.substr(4, 4)) << "readable again";
+    EXPECT_EQ(readAfter(100, MIF_SEEK_CURRENT, 4), "");
+    EXPECT_EQ(access.mifFileTell(&file), 8);
+    EXPECT_EQ(readAfter(6, MIF_SEEK_START, 60), hexBytes.substr(6)) << "a short read";
+    EXPECT_EQ(readAfter(0, MIF_SEEK_CURRENT, 4), "");
+}
+
 TEST(Objects, AnAmpersandIsPassedOverOnlyAtALineStart)
 {
     OpenDocument document(framesDocument(frame("5", "=A\n&a&b&&c\n&&d\n=EndInset\n")));

@@ -40,6 +40,11 @@ typedef struct HostServices {
 
     /* Slot 38: returns size bytes (at least 1) aligned for any C type, their content unspecified, or null when memory
      * is exhausted. The library owns them until it passes them to free.
+     *
+     * A refusal ends the conversion with 6 when it meets a statement or a token that has to wait. When it meets another
+     * record (a format, a number, a text rectangle, a table, a frame ...) the conversion goes on without that, to a
+     * result of 0 with pieces of the document missing: a host that must know counts the nulls it returns, here and in
+     * allocateZeroed.
      */
     void *(*allocate)(void *handleArea, size_t size);
 

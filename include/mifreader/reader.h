@@ -88,9 +88,9 @@ typedef struct MifFileAccess {
     int32_t (*mifFileOpen)(MifFileHandle *handle);
 
     /* Slot 9: reads up to count bytes to destination, which must have room for count bytes and may be overwritten up to
-     * there whatever the result. Returns the bytes delivered; 0 at the end, on failure, or when count is 0 or less.
-     * Four bytes of the document's text are looked at for each byte wanted: a read of fewer than 64 bytes, or of data
-     * written in lines of a byte or two, can give 0 before the end.
+     * there whatever the result. Returns the bytes delivered; 0 at the end, when the memory for it is refused, or when
+     * count is 0 or less. Four bytes of the document's text are looked at for each byte wanted: a read of fewer than 64
+     * bytes, or of data written in lines of a byte or two, can give 0 before the end.
      */
     int32_t (*mifFileRead)(MifFileHandle *handle, void *destination, int32_t count);
 
@@ -98,6 +98,11 @@ typedef struct MifFileAccess {
 
     /* Slot 11: moves the position by offset bytes from the start or from the current position (an offset below 0 moves
      * nothing), or to the end, where the offset is ignored. Returns 1, or 0 when there is no object.
+     *
+     * A seek to the end is for mifFileTell alone: reads go on where they were. What it tells can be too small or too
+     * large, so that a host reads until 0. After a seek beyond the end, which leaves the position at 0 or where it was,
+     * reads give 0. After a read that delivered fewer bytes than asked for a seek from the current position begins
+     * behind all that the read had looked at. A seek to the start puts all of this right.
      */
     int32_t (*mifFileSeek)(MifFileHandle *handle, int32_t offset, int32_t origin);
 
@@ -147,9 +152,13 @@ MIF_API int32_t mifInitDoc(MifContext *context, void *unused, int32_t size, Host
  *   bufferSize    the size of buffer in bytes, the same or another one in each call. A call stops taking up text once
  *                 nine tenths are used; the buffer must hold the largest single token, and 64 KB hold every one that an
  *                 ordinary document gives
- * Returns 0: take the tokens and call again unless percent is 100 (a further call then writes nothing). Or 6: the
- * document is not MIF (bytesWritten and percent are then not stored), memory is exhausted, or a token is larger than
- * the whole buffer. What was written before the failure is whole; the conversion cannot be continued.
+ * Returns 0: take the tokens and call again unless percent is 100. Or 6: the document is not MIF (bytesWritten and
+ * percent are then not stored), memory is exhausted, or a token is larger than the whole buffer. What was written before
+ * the failure is whole. Both ends are final: every further call, with whatever buffer, gives 0 and 100 percent, or 6,
+ * and 0 bytes.
+ *
+ * Memory that is refused for a record other than a statement or a waiting token (host.h, allocate) is no failure: the
+ * document goes on without the record, and no result tells it.
  */
 MIF_API int32_t mifFillBuffer(MifContext *context, uint8_t *buffer, uint32_t *bytesWritten, int32_t *percent,
                               uint32_t bufferSize);
