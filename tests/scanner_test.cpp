@@ -7,10 +7,10 @@
 
 #include "mifreader/tokens.h"
 #include "reader/context.h"
-#include "reader/replay.h"
+#include "reader/drive/statement_table.h"
+#include "reader/drive/suspension.h"
 #include "reader/source.h"
 #include "reader/statement.h"
-#include "reader/statement_table.h"
 #include "support/test_host.h"
 
 using namespace miftest;

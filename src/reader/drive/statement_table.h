@@ -1,6 +1,6 @@
 // The statements that the reader understands, and the finding of a statement's row by its name.
-#ifndef MIFREADER_SRC_READER_STATEMENT_TABLE_H
-#define MIFREADER_SRC_READER_STATEMENT_TABLE_H
+#ifndef MIFREADER_SRC_READER_DRIVE_STATEMENT_TABLE_H
+#define MIFREADER_SRC_READER_DRIVE_STATEMENT_TABLE_H
 
 #include <algorithm>
 #include <array>

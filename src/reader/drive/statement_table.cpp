@@ -1,4 +1,4 @@
-#include "reader/statement_table.h"
+#include "reader/drive/statement_table.h"
 
 #include <numeric>
 #include <string_view>

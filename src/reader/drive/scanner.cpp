@@ -1,4 +1,4 @@
-#include "reader/scanner.h"
+#include "reader/drive/scanner.h"
 
 #include <cstring>
 #include <string_view>
@@ -7,10 +7,10 @@
 #include "formats/fonts.h"
 #include "formats/paragraphs.h"
 #include "frames/imported_objects.h"
-#include "reader/replay.h"
+#include "reader/drive/statement_table.h"
+#include "reader/drive/suspension.h"
 #include "reader/source.h"
 #include "reader/statement.h"
-#include "reader/statement_table.h"
 #include "reader/tokens.h"
 #include "tables/columns.h"
 #include "tables/tables.h"

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "reader/context.h"
+#include "reader/drive/scanner.h"
 #include "reader/header.h"
-#include "reader/scanner.h"
 #include "reader/source.h"
 #include "reader/tokens.h"
 

@@ -1,6 +1,6 @@
 // Leaving the text flow for a table's text, and coming back behind the table's anchor.
-#ifndef MIFREADER_SRC_READER_REPLAY_H
-#define MIFREADER_SRC_READER_REPLAY_H
+#ifndef MIFREADER_SRC_READER_DRIVE_SUSPENSION_H
+#define MIFREADER_SRC_READER_DRIVE_SUSPENSION_H
 
 #include "reader/context.h"
 

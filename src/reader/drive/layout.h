@@ -1,6 +1,6 @@
 // The layouts of the host interface, which hosts compiled apart from the library rely on.
-#ifndef MIFREADER_SRC_READER_LAYOUT_H
-#define MIFREADER_SRC_READER_LAYOUT_H
+#ifndef MIFREADER_SRC_READER_DRIVE_LAYOUT_H
+#define MIFREADER_SRC_READER_DRIVE_LAYOUT_H
 
 #include <cstddef>
 

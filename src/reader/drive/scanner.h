@@ -1,6 +1,6 @@
 // The walk over the statements of a stretch of MIF text.
-#ifndef MIFREADER_SRC_READER_SCANNER_H
-#define MIFREADER_SRC_READER_SCANNER_H
+#ifndef MIFREADER_SRC_READER_DRIVE_SCANNER_H
+#define MIFREADER_SRC_READER_DRIVE_SCANNER_H
 
 #include "reader/context.h"
 

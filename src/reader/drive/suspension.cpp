@@ -1,4 +1,4 @@
-#include "reader/replay.h"
+#include "reader/drive/suspension.h"
 
 #include "formats/paragraphs.h"
 #include "reader/source.h"
