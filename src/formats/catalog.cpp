@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "formats/properties.h"
 #include "reader/host_memory.h"
 #include "reader/statement.h"
 #include "text/conversion.h"
@@ -30,7 +29,7 @@ MifStoredStatement *makeStatement(MifContext *context, const char *value)
         mifFreePgfSubStatement(context, statement);
         return nullptr;
     }
-    statement->property = mifFindProperty(statement->name);
+    statement->property = context->scanner.row->stored;
     statement->number = statement->property != nullptr ? statement->property->read(statement->value) : 0;
     return statement;
 }

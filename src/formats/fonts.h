@@ -9,23 +9,8 @@
 #include "reader/context.h"
 
 // Statement handlers.
-int mifFontCatalog(MifContext *context);
 int mifFont(MifContext *context);
 int mifFTag(MifContext *context);
-int mifFWeight(MifContext *context);
-int mifFSize(MifContext *context);
-int mifFFamily(MifContext *context);
-int mifFAngle(MifContext *context);
-int mifFUnderlining(MifContext *context);
-int mifFStrike(MifContext *context);
-int mifFColor(MifContext *context);
-int mifFPosition(MifContext *context);
-int mifFSubScript(MifContext *context);
-int mifFSupScript(MifContext *context);
-int mifFCase(MifContext *context);
-int mifFPlain(MifContext *context);
-int mifFBold(MifContext *context);
-int mifFItalic(MifContext *context);
 
 // The handler of statements inside a font's definition.
 int mifFontStoreInformation(MifContext *context);

@@ -5,10 +5,9 @@
 #include <utility>
 
 #include "formats/catalog.h"
-#include "formats/direct.h"
-#include "formats/properties.h"
 #include "formats/resolution.h"
 #include "reader/host_memory.h"
+#include "reader/statement.h"
 
 namespace
 {
@@ -40,17 +39,10 @@ int keepNumber(MifContext *context)
 
 } // namespace
 
-int mifPgfCatalog(MifContext *context)
-{
-    context->formats.inPgfCatalog = 0;
-    return 1;
-}
-
 // The end of a paragraph's property group, or of a definition, which then takes effect.
 int mifPgf(MifContext *context)
 {
     MifFormatState &formats = context->formats;
-    formats.inPgf = 0;
     if (mifIsDefining(context, formats.pgfCatalog)) {
         if (mifPgfSetParagraphStyle(context) == 0) {
             return 0;
@@ -126,66 +118,6 @@ void mifDropNumbers(MifContext *context, uint32_t paragraph)
 void mifDropStrayNumber(MifContext *context)
 {
     mifRelease(context, std::exchange(context->formats.strayNumber, nullptr));
-}
-
-int mifPgfFont(MifContext * /*context*/)
-{
-    return 1;
-}
-
-int mifPgfAlignment(MifContext *context)
-{
-    return mifSetDirectly(context, mifAlignment);
-}
-
-int mifPgfLeading(MifContext *context)
-{
-    return mifSetDirectly(context, mifLeading);
-}
-
-int mifPgfFIndent(MifContext *context)
-{
-    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::firstIndent>);
-}
-
-int mifPgfLIndent(MifContext *context)
-{
-    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::leftIndent>);
-}
-
-int mifPgfRIndent(MifContext *context)
-{
-    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::rightIndent>);
-}
-
-int mifPgfSpBefore(MifContext *context)
-{
-    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::spaceBefore>);
-}
-
-int mifPgfSpAfter(MifContext *context)
-{
-    return mifSetDirectly(context, mifMeasurement<&MifParagraphStyle::spaceAfter>);
-}
-
-int mifPgfNumTabs(MifContext *context)
-{
-    return mifSetDirectly(context, mifTabCount);
-}
-
-int mifTabStop(MifContext * /*context*/)
-{
-    return 1;
-}
-
-int mifTSX(MifContext *context)
-{
-    return mifSetDirectly(context, mifTabPosition);
-}
-
-int mifTSType(MifContext *context)
-{
-    return mifSetDirectly(context, mifTabKind);
 }
 
 void mifFreeParagraphCatalogs(MifContext *context)

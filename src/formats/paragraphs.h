@@ -8,22 +8,9 @@
 #include "reader/context.h"
 
 // Statement handlers.
-int mifPgfCatalog(MifContext *context);
 int mifPgf(MifContext *context);
 int mifPgfTag(MifContext *context);
 int mifPgfNumString(MifContext *context);
-int mifPgfFont(MifContext *context);
-int mifPgfAlignment(MifContext *context);
-int mifPgfLeading(MifContext *context);
-int mifPgfFIndent(MifContext *context);
-int mifPgfLIndent(MifContext *context);
-int mifPgfRIndent(MifContext *context);
-int mifPgfSpBefore(MifContext *context);
-int mifPgfSpAfter(MifContext *context);
-int mifPgfNumTabs(MifContext *context);
-int mifTabStop(MifContext *context);
-int mifTSX(MifContext *context);
-int mifTSType(MifContext *context);
 
 // The handler of statements inside a format's definition.
 int mifPgfStoreInformation(MifContext *context);

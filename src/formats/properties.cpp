@@ -6,6 +6,7 @@
 
 #include "formats/tab_stops.h"
 #include "mifreader/tokens.h"
+#include "reader/statement.h"
 
 namespace
 {
@@ -94,7 +95,7 @@ MifChange switchMode(MifContext *context, uint32_t mode, bool on)
 {
     uint32_t &modes = context->formats.currentStyle.modes;
     modes = on ? modes | mode : modes & ~mode;
-    return MifChange::none;
+    return MifChange::modes;
 }
 
 template <uint32_t mode>
@@ -111,7 +112,7 @@ MifChange setOneOf(MifContext *context, MifPropertyValue value)
         uint32_t &current = context->formats.currentStyle.modes;
         current = (current & ~modes) | static_cast<uint32_t>(value.number);
     }
-    return MifChange::none;
+    return MifChange::modes;
 }
 
 void raiseFontSize(MifParagraphStyle &style)
@@ -140,13 +141,13 @@ MifChange setScript(MifContext *context, MifPropertyValue value)
     MifParagraphStyle &style = context->formats.currentStyle;
     if (value.number == 0) {
         leavePosition(style, mode);
-        return MifChange::none;
+        return MifChange::modes;
     }
     if ((style.modes & otherMode) == 0) {
         lowerFontSize(style);
     }
     style.modes = (style.modes & ~otherMode) | mode;
-    return MifChange::none;
+    return MifChange::modes;
 }
 
 int32_t readAlignment(const char *text)
@@ -203,6 +204,12 @@ int32_t isBold(const char *weight)
     return equal(weight, "Bold") || equal(weight, "Book") || equal(weight, "DemiBold");
 }
 
+MifChange setWeight(MifContext *context, MifPropertyValue value)
+{
+    mifSetWeight(context, value.text);
+    return MifChange::modes;
+}
+
 int32_t isItalic(const char *angle)
 {
     return equal(angle, "Italic");
@@ -228,7 +235,7 @@ MifChange setPosition(MifContext *context, MifPropertyValue value)
 {
     MifParagraphStyle &style = context->formats.currentStyle;
     if (value.number == noKeyword) {
-        return MifChange::none;
+        return MifChange::modes;
     }
     const auto mode = static_cast<uint32_t>(value.number);
     leavePosition(style, scriptModes & ~mode);
@@ -236,12 +243,12 @@ MifChange setPosition(MifContext *context, MifPropertyValue value)
         style.modes |= mode;
         lowerFontSize(style);
     }
-    return MifChange::none;
+    return MifChange::modes;
 }
 
 MifChange setPlain(MifContext *context, MifPropertyValue value)
 {
-    return value.number != 0 ? switchMode(context, MODE_BOLD | MODE_ITALIC, false) : MifChange::none;
+    return value.number != 0 ? switchMode(context, MODE_BOLD | MODE_ITALIC, false) : MifChange::modes;
 }
 
 MifChange setTabCount(MifContext *context, MifPropertyValue value)
@@ -264,90 +271,8 @@ MifChange setTabKind(MifContext *context, MifPropertyValue value)
     return mifStoreTabKind(context, value.number) != 0 ? MifChange::none : MifChange::failed;
 }
 
-MifChange setStoredFamily(MifContext *context, MifPropertyValue value)
-{
-    const MifFormatState &formats = context->formats;
-    const MifChange change = mifSetFamily(context, value);
-    if (formats.inPgfCatalog != 0 || formats.fontCatalog.pending != 0 || context->pages.inBodyText != 0) {
-        mifRegisterFont(context, value.number);
-    }
-    return change;
-}
-
-constexpr MifProperty storedFamily = {mifReadFamilyClass, setStoredFamily};
-constexpr MifProperty storedItalic = {isTrue, setMode<MODE_ITALIC>}; // its keyword is True, not Yes
-constexpr MifProperty storedPosition = {readPosition, setOneOf<scriptModes>};
-
-} // namespace
-
-const MifProperty mifAlignment = {readAlignment, setAlignment};
-const MifProperty mifLeading = {readLeading, setLeading};
-const MifProperty mifSize = {mifParseInteger, setSize}; // whole points: a fraction and the unit are ignored
-const MifProperty mifColor = {readColor, setColor};
-const MifProperty mifWeight = {isBold, setMode<MODE_BOLD>};
-const MifProperty mifAngle = {isItalic, setMode<MODE_ITALIC>};
-const MifProperty mifUnderlining = {isUnderlining, setMode<MODE_UNDERLINE>};
-const MifProperty mifStrike = {isYes, setMode<MODE_STRIKE>};
-const MifProperty mifCase = {readCase, setOneOf<MODE_SMALL_CAPS | MODE_UPPER_CASE>};
-const MifProperty mifPlain = {isYes, setPlain};
-const MifProperty mifBold = {isYes, setMode<MODE_BOLD>};
-const MifProperty mifItalic = {isYes, setMode<MODE_ITALIC>};
-const MifProperty mifPosition = {readPosition, setPosition};
-const MifProperty mifSuperscript = {isYes, setScript<MODE_SUPERSCRIPT, MODE_SUBSCRIPT>};
-const MifProperty mifSubscript = {isYes, setScript<MODE_SUBSCRIPT, MODE_SUPERSCRIPT>};
-const MifProperty mifTabCount = {mifParseInteger, setTabCount};
-const MifProperty mifTabPosition = {mifParseTwips, setTabPosition};
-const MifProperty mifTabKind = {readTabKind, setTabKind};
-
-namespace
-{
-
-struct StoredProperty {
-    const char *name;
-    const MifProperty *property;
-};
-
-constexpr StoredProperty storedProperties[] = {
-    {"PgfAlignment", &mifAlignment},
-    {"PgfFIndent", &mifMeasurement<&MifParagraphStyle::firstIndent>},
-    {"PgfLIndent", &mifMeasurement<&MifParagraphStyle::leftIndent>},
-    {"PgfRIndent", &mifMeasurement<&MifParagraphStyle::rightIndent>},
-    {"PgfLeading", &mifLeading},
-    {"PgfSpBefore", &mifMeasurement<&MifParagraphStyle::spaceBefore>},
-    {"PgfSpAfter", &mifMeasurement<&MifParagraphStyle::spaceAfter>},
-    {"PgfNumTabs", &mifTabCount},
-    {"TSX", &mifTabPosition},
-    {"TSType", &mifTabKind},
-    {"FFamily", &storedFamily},
-    {"FWeight", &mifWeight},
-    {"FSize", &mifSize},
-    {"FAngle", &mifAngle},
-    {"FUnderlining", &mifUnderlining},
-    {"FUnderline", &mifUnderlining},
-    {"FStrike", &mifStrike},
-    {"FColor", &mifColor},
-    {"FPosition", &storedPosition},
-    {"FSubScript", &mifSubscript},
-    {"FSupScript", &mifSuperscript},
-    {"FCase", &mifCase},
-    {"FPlain", &mifPlain},
-    {"FBold", &mifBold},
-    {"FItalic", &storedItalic},
-};
-
-} // namespace
-
-const MifProperty *mifFindProperty(const char *name)
-{
-    for (const StoredProperty &stored : storedProperties) {
-        if (equal(stored.name, name)) {
-            return stored.property;
-        }
-    }
-    return nullptr;
-}
-
-int32_t mifReadFamilyClass(const char *family)
+// The class of a font family, a MIF_FONT_CLASS value.
+int32_t readFamilyClass(const char *family)
 {
     const std::string_view name(family, strnlen(family, sizeof(MifParagraphStyle::fontFamily) - 1));
     for (const Keyword &familyClass : familyClasses) {
@@ -358,14 +283,84 @@ int32_t mifReadFamilyClass(const char *family)
     return MIF_FONT_CLASS_UNKNOWN;
 }
 
-MifChange mifSetFamily(MifContext *context, MifPropertyValue value)
+// Sets the family, and announces it where that is wanted.
+MifChange setFamily(MifContext *context, MifPropertyValue value, bool announced)
 {
     MifFormatState &formats = context->formats;
     char(&family)[sizeof(formats.currentStyle.fontFamily)] = formats.currentStyle.fontFamily;
     const size_t length = std::min(strlen(value.text), sizeof(family) - 1);
     memcpy(family, value.text, length);
     family[length] = '\0';
+    if (announced) {
+        mifRegisterFont(context, value.number);
+    }
     return changeIf(!equal(family, formats.appliedStyle.fontFamily));
+}
+
+bool isAnnounced(const MifContext *context)
+{
+    const MifFormatState &formats = context->formats;
+    return formats.inPgfCatalog != 0 || formats.fontCatalog.pending != 0 || context->pages.inBodyText != 0;
+}
+
+MifChange setStoredFamily(MifContext *context, MifPropertyValue value)
+{
+    return setFamily(context, value, isAnnounced(context));
+}
+
+MifChange setDirectFamily(MifContext *context, MifPropertyValue value)
+{
+    return setFamily(context, value, isAnnounced(context) || context->formats.inFont != 0);
+}
+
+} // namespace
+
+const MifProperty mifAlignment = {readAlignment, setAlignment};
+const MifProperty mifLeading = {readLeading, setLeading};
+const MifProperty mifSize = {mifParseInteger, setSize}; // whole points: a fraction and the unit are ignored
+const MifProperty mifColor = {readColor, setColor};
+const MifProperty mifWeight = {isBold, setWeight};
+const MifProperty mifStoredWeight = {isBold, setMode<MODE_BOLD>};
+const MifProperty mifAngle = {isItalic, setMode<MODE_ITALIC>};
+const MifProperty mifUnderlining = {isUnderlining, setMode<MODE_UNDERLINE>};
+const MifProperty mifStrike = {isYes, setMode<MODE_STRIKE>};
+const MifProperty mifCase = {readCase, setOneOf<MODE_SMALL_CAPS | MODE_UPPER_CASE>};
+const MifProperty mifPlain = {isYes, setPlain};
+const MifProperty mifBold = {isYes, setMode<MODE_BOLD>};
+const MifProperty mifItalic = {isYes, setMode<MODE_ITALIC>};
+const MifProperty mifPosition = {readPosition, setPosition};
+const MifProperty mifSuperscript = {isYes, setScript<MODE_SUPERSCRIPT, MODE_SUBSCRIPT>};
+const MifProperty mifSubscript = {isYes, setScript<MODE_SUBSCRIPT, MODE_SUPERSCRIPT>};
+const MifProperty mifStoredItalic = {isTrue, setMode<MODE_ITALIC>};
+const MifProperty mifStoredPosition = {readPosition, setOneOf<scriptModes>};
+const MifProperty mifFamily = {readFamilyClass, setDirectFamily};
+const MifProperty mifStoredFamily = {readFamilyClass, setStoredFamily};
+const MifProperty mifTabCount = {mifParseInteger, setTabCount};
+const MifProperty mifTabPosition = {mifParseTwips, setTabPosition};
+const MifProperty mifTabKind = {readTabKind, setTabKind};
+
+void mifSetWeight(MifContext *context, const char *weight)
+{
+    switchMode(context, MODE_BOLD, isBold(weight) != 0);
+}
+
+int mifSetDirectly(MifContext *context)
+{
+    const MifStatementEntry &row = *context->scanner.statementStack->row;
+    if ((row.traits & TRAIT_BODY_TEXT) != 0 && context->pages.inBodyText == 0) {
+        return 1; // the value is not even read
+    }
+    const char *text = mifUnquotedValue(context);
+    if (text == nullptr) {
+        return 0;
+    }
+    MifFormatState &formats = context->formats;
+    const MifChange change = row.direct->set(context, {text, row.direct->read(text)});
+    if (change == MifChange::differs ||
+        (change == MifChange::modes && formats.currentStyle.modes != formats.appliedStyle.modes)) {
+        formats.styleChanged = 1;
+    }
+    return change != MifChange::failed;
 }
 
 void mifRegisterFont(MifContext *context, int32_t familyClass)

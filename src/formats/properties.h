@@ -8,14 +8,17 @@
 #include "reader/context.h"
 #include "reader/units.h"
 
-// The property that selecting a format sets from a stored statement of that name; null for none.
-const MifProperty *mifFindProperty(const char *name);
+// The handler of all statements that set a property: sets the one of the row from the closing statement's value, and
+// notes a difference. Returns 1, or 0 when there is no value or memory is exhausted.
+int mifSetDirectly(MifContext *context);
 
 // Compared with appliedStyle at once.
 extern const MifProperty mifAlignment;
 extern const MifProperty mifLeading;
 extern const MifProperty mifSize;
 extern const MifProperty mifColor;
+extern const MifProperty mifFamily;       // announced to the host, in a Font too
+extern const MifProperty mifStoredFamily; // announced in catalogs and body text
 
 template <int32_t MifParagraphStyle::*field>
 MifChange mifSetMeasurement(MifContext *context, MifPropertyValue value)
@@ -28,17 +31,20 @@ MifChange mifSetMeasurement(MifContext *context, MifPropertyValue value)
 template <int32_t MifParagraphStyle::*field>
 inline constexpr MifProperty mifMeasurement = {mifParseTwips, mifSetMeasurement<field>};
 
-// Modes. They are compared together, by whoever sets them.
+// Modes, which are compared together.
 extern const MifProperty mifWeight;
+extern const MifProperty mifStoredWeight; // has read the weight when it was stored
 extern const MifProperty mifAngle;
 extern const MifProperty mifUnderlining;
 extern const MifProperty mifStrike;
 extern const MifProperty mifCase;
 extern const MifProperty mifPlain;
 extern const MifProperty mifBold;
-extern const MifProperty mifItalic;
-extern const MifProperty mifPosition;    // scales the font size; the stored one does not
-extern const MifProperty mifSuperscript; // both scale the font size
+extern const MifProperty mifItalic;         // its keyword is Yes
+extern const MifProperty mifStoredItalic;   // its keyword is True
+extern const MifProperty mifPosition;       // scales the font size
+extern const MifProperty mifStoredPosition; // does not
+extern const MifProperty mifSuperscript;    // both scale the font size
 extern const MifProperty mifSubscript;
 
 // Tab stops, which are compared only when a format is written.
@@ -46,9 +52,8 @@ extern const MifProperty mifTabCount;
 extern const MifProperty mifTabPosition;
 extern const MifProperty mifTabKind;
 
-// The class of a font family, a MIF_FONT_CLASS value, and the setting of the family, which does not announce it.
-int32_t mifReadFamilyClass(const char *family);
-MifChange mifSetFamily(MifContext *context, MifPropertyValue value);
+// Switches bold on or off, as the weight of that name is.
+void mifSetWeight(MifContext *context, const char *weight);
 
 // Announces fontFamily, which is of that class, to the host and takes over the number that the host gives it.
 void mifRegisterFont(MifContext *context, int32_t familyClass);

@@ -14,6 +14,7 @@
 enum class MifChange {
     none,    // the field is as appliedStyle has it, or is not compared
     differs, // it differs from appliedStyle
+    modes,   // it is a mode; all modes are compared together
     failed   // memory is exhausted
 };
 
@@ -63,7 +64,7 @@ struct MifWaitingNumber {
     char text[sizeof(MifParagraphStyle::numString)];
 };
 
-// The scanner raises the inside flags.
+// Owned by the sources of this folder; the inside flags follow their statements, and a definition ends with its own.
 struct MifFormatState {
     MifFormatCatalog pgfCatalog;
     MifFormatCatalog fontCatalog;
@@ -72,10 +73,10 @@ struct MifFormatState {
     uint32_t inPgf;
     uint32_t inFontCatalog;
     uint32_t inFont;
-    uint32_t styleChanged;          // currentStyle may differ from appliedStyle
+    uint32_t styleChanged;          // currentStyle may differ from appliedStyle; text/ raises and lowers it too
     MifWaitingNumber *numbers;      // of open paragraphs, the innermost first, at most one of each
     MifWaitingNumber *strayNumber;  // the one outside of all paragraphs; it waits for whatever text comes next
-    MifParagraphStyle currentStyle; // what the document asks for
+    MifParagraphStyle currentStyle; // what the document asks for; text/apply_format gives sizes back there
     MifParagraphStyle appliedStyle; // what the output was last told; written by text/apply_format alone
 };
 

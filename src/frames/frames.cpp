@@ -7,23 +7,6 @@
 #include "reader/tokens.h"
 #include "reader/units.h"
 
-int mifAFrames(MifContext *context)
-{
-    context->frames.inAFrames = 0;
-    return 1;
-}
-
-int mifFrame(MifContext *context)
-{
-    context->frames.inFrame = 0;
-    return 1;
-}
-
-int mifFrameType(MifContext * /*context*/)
-{
-    return 1;
-}
-
 // Every ID inside a frame, at any depth, makes a record. Only the first one with an ID is ever found, so no other one
 // is kept: a table read again at each anchor must not add to the memory.
 int mifFrameID(MifContext *context)

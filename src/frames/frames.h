@@ -5,9 +5,6 @@
 #include "reader/context.h"
 
 // Statement handlers.
-int mifAFrames(MifContext *context);
-int mifFrame(MifContext *context);
-int mifFrameType(MifContext *context);
 int mifShapeRect(MifContext *context);
 int mifNSOffset(MifContext *context);
 int mifAnchorAlign(MifContext *context);

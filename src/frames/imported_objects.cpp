@@ -278,11 +278,7 @@ char *ObjectScan::handBack()
     frames_.insetDepth = savedDepth_;
     frames_.hexMode = savedHexMode_;
     frames_.scanCut = 1;
-    if (!mifMoreToRead(context_)) {
-        return end_;
-    }
-    context_->source.carryLength = static_cast<int32_t>(end_ - line_);
-    return line_;
+    return mifCarryOver(context_, line_);
 }
 
 // A name built up to its longest length; what comes behind is cut off.
@@ -334,12 +330,6 @@ FileName convertFileReference(std::string_view path)
 
 } // namespace
 
-int mifImportObject(MifContext *context)
-{
-    context->frames.inImportObject = 0;
-    return 1;
-}
-
 int mifImportObFileDI(MifContext *context)
 {
     const char *value = mifUnquotedValue(context);
@@ -363,6 +353,21 @@ int mifImportObFileDI(MifContext *context)
 char *mifProcessImportObject(MifContext *context)
 {
     return ObjectScan(context).run();
+}
+
+char *mifBeginImportObject(MifContext *context, char *name)
+{
+    MifFrameState &frames = context->frames;
+    const int32_t depthBefore = frames.insetDepth;
+    frames.insetDepth = 1;
+    context->source.scanPosition = name;
+    char *end = mifProcessImportObject(context);
+    if (end != name || context->source.carryLength == 0) {
+        return end;
+    }
+    frames.scanCut = 0;
+    frames.insetDepth = depthBefore;
+    return nullptr;
 }
 
 void mifFreeImportObjects(MifContext *context)

@@ -7,7 +7,6 @@
 #include "reader/context.h"
 
 // Statement handlers.
-int mifImportObject(MifContext *context);
 int mifImportObFileDI(MifContext *context);
 
 // Scans an object raw, from the scan position, insetDepth brackets deep: its nested statements are passed over, only
@@ -15,6 +14,10 @@ int mifImportObFileDI(MifContext *context);
 // object's closing bracket (its statement is then closed, without its handler), or where the stretch ended inside the
 // scan: scanCut is then set, and the carry length hands the unfinished line back.
 char *mifProcessImportObject(MifContext *context);
+
+// The same for an object whose name begins there, behind the `<` of its start tag. Null when the stretch ends in the
+// object's first line: the object has then not begun.
+char *mifBeginImportObject(MifContext *context, char *name);
 
 void mifFreeImportObjects(MifContext *context);
 

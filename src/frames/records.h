@@ -49,7 +49,7 @@ struct MifObjectFile {
     int32_t position;            // bytes delivered
 };
 
-// Owned by frames.cpp and imported_objects.cpp; the scanner raises the inside flags.
+// Owned by frames.cpp and imported_objects.cpp, `file` by object_file.cpp; the inside flags follow their statements.
 struct MifFrameState {
     uint32_t inAFrames;
     uint32_t inFrame;

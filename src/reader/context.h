@@ -10,7 +10,8 @@
 #include "tables/records.h"
 #include "text/records.h"
 
-// Born by clearing its bytes. A family writes its own group and only reads the others', unless a declaration says so.
+// Born by clearing its bytes; mifInitDoc sets the defaults that are not zero. A group is changed by its owner, by the
+// owner's functions for others, or by whom its declaration names.
 struct MifContext {
     MifHostState host;
     MifHeaderState header;

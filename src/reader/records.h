@@ -11,15 +11,28 @@
 // goes on either way.
 using MifStatementHandler = int (*)(MifContext *context);
 
-// The flag that a start tag raises. The statement's own handler clears it; it is no counter.
+// The flag that a statement raises at its start tag and lowers at its end. It is no counter.
 using MifInsideFlag = uint32_t &(*)(MifContext &context);
 
-// A statement that the reader understands.
+// What the scanner does otherwise for a statement.
+enum : uint32_t {
+    TRAIT_PARAGRAPH = 1,  // it is counted in openParagraphs while it is open
+    TRAIT_TABLE = 2,      // where it begins is noted, for its replays
+    TRAIT_OBJECT = 4,     // its content is scanned raw, but not on pages
+    TRAIT_CONTAINER = 8,  // in a paragraph format's definition the statements inside are stored, itself not
+    TRAIT_BODY_TEXT = 16, // it sets its property in body text alone
+};
+
+struct MifProperty;
+
+// All that the reader knows of a statement.
 struct MifStatementEntry {
     char name[32];
     MifStatementHandler handler;
-    MifInsideFlag insideFlag; // null for most statements
-    uint32_t isParagraph = 0; // counted in openParagraphs while it is open
+    MifInsideFlag insideFlag = nullptr;  // null for most statements
+    const MifProperty *direct = nullptr; // the property that the statement sets in the text; null for none
+    const MifProperty *stored = nullptr; // the one that it sets when a format it was stored in is selected
+    uint32_t traits = 0;
 };
 
 struct MifHostState {
@@ -75,6 +88,9 @@ inline constexpr int32_t sourceBufferMargin = 16;
 //
 // At bufferEnd, behind the text, stands a `>`: it ends names, blanks and values, so that what looks for their end need
 // not look for the end of the text as well.
+//
+// The steps of the scan, the header and the raw scan of objects move scanPosition; drive/ counts bytesRead anew when it
+// goes to another place.
 struct MifSourceState {
     char buffer[sourceBufferSize + sourceBufferMargin];
     char *scanPosition;
@@ -97,14 +113,15 @@ struct MifStatement {
 struct MifScannerState {
     char *nameStart; // the name of the most recent start tag, in the source buffer
     char *nameEnd;
-    uint32_t *insideFlag; // the flag that this start tag raised, or null, and what it was before
-    uint32_t insideFlagBefore;
+    const MifStatementEntry *row; // its row
+    uint32_t insideFlagBefore;    // what the flag that it raised was before
     MifStatement *statementStack; // the innermost open statement
     uint32_t openParagraphs;      // of the statements on the stack
 };
 
 // Leaving the flow for a table and coming back. Idle, suspendPending, readingStretch, both readingStretch and
-// restorePending, idle again.
+// restorePending, idle again. Changed by replay.h and drive/suspension; source moves stretchPosition on, statement
+// forgets savedStatement when that is closed, and the fill cycle ends a replay that the document's end cuts.
 struct MifReplayState {
     int32_t startPosition;              // where the table to read begins
     int32_t stretchPosition;            // while reading it: the stream's position

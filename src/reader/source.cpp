@@ -91,6 +91,16 @@ void mifReadFirstStretch(MifContext *context)
     source.carryLength = 0;
 }
 
+char *mifCarryOver(MifContext *context, char *step)
+{
+    MifSourceState &source = context->source;
+    if (!mifMoreToRead(context)) {
+        return source.bufferEnd;
+    }
+    source.carryLength = static_cast<int32_t>(source.bufferEnd - step);
+    return step;
+}
+
 char *mifSkipComments(MifContext *context)
 {
     MifSourceState &source = context->source;
@@ -99,11 +109,6 @@ char *mifSkipComments(MifContext *context)
     for (int bytes = 0; bytes < 2 && mifNewLine(*position); ++bytes) { // there is none behind the text
         ++position;
     }
-    source.scanPosition = position;
-    if (position == source.bufferEnd) {
-        source.carryLength = mifMoreToRead(context) ? static_cast<int32_t>(source.bufferEnd - comment) : 0;
-        return position;
-    }
-    source.scanPosition = mifEatWhiteSpace(position);
+    source.scanPosition = position != source.bufferEnd ? mifEatWhiteSpace(position) : mifCarryOver(context, comment);
     return source.scanPosition;
 }

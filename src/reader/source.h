@@ -101,9 +101,14 @@ inline char *mifFindNameEnd(char *name)
     }
 }
 
+// The stretch ends inside a step that began at `step`. If there is more to read, the bytes from there on are carried
+// over and the step is to be scanned again; at the end of the document they are dropped. Returns where the scan
+// position belongs: `step`, or the end of the text.
+char *mifCarryOver(MifContext *context, char *step);
+
 // Skips the comment whose `#` is at the scan position, its line end and the white space behind it. A comment that the
-// buffer's end cuts (its line end and one more byte must be there) is carried over if there is more to read: then the
-// scan position is the buffer's end, and the carry length counts from the `#`. Returns the new scan position.
+// buffer's end cuts (its line end and one more byte must be there) is carried over if there is more to read. Returns
+// the new scan position.
 char *mifSkipComments(MifContext *context);
 
 #endif

@@ -12,25 +12,32 @@ inline MifStatement *mifPushStatement(MifContext *context, const MifStatementEnt
     if (statement != nullptr) {
         *statement = {&row, valueStart, nullptr, context->scanner.statementStack};
         context->scanner.statementStack = statement;
-        context->scanner.openParagraphs += row.isParagraph;
+        context->scanner.openParagraphs += row.traits & TRAIT_PARAGRAPH;
     }
     return statement;
 }
 
-// Closes the innermost statement, with its handler run if runHandler is not 0. Returns the handler's result, and 1 when
-// no handler runs or no statement is open.
+// Closes the innermost statement. If runHandler is not 0, its flag is lowered and its handler run. Returns the
+// handler's result, and 1 when no handler runs or no statement is open.
 inline int mifProcessEndTag(MifContext *context, int runHandler)
 {
     MifStatement *statement = context->scanner.statementStack;
     if (statement == nullptr) {
         return 1;
     }
-    const int result = runHandler != 0 ? statement->row->handler(context) : 1;
+    const MifStatementEntry &row = *statement->row;
+    int result = 1;
+    if (runHandler != 0) {
+        if (row.insideFlag != nullptr) {
+            row.insideFlag(*context) = 0;
+        }
+        result = row.handler(context);
+    }
     if (statement == context->replay.savedStatement) {
         context->replay.savedStatement = nullptr; // its address may come back as another statement's
     }
     context->scanner.statementStack = statement->enclosing;
-    context->scanner.openParagraphs -= statement->row->isParagraph;
+    context->scanner.openParagraphs -= row.traits & TRAIT_PARAGRAPH;
     mifRelease(context, statement);
     return result;
 }

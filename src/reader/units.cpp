@@ -231,8 +231,3 @@ int mifUnits(MifContext *context)
     context->units.documentUnit = findUnit(documentUnits, value);
     return 1;
 }
-
-int mifUnique(MifContext * /*context*/)
-{
-    return 1;
-}

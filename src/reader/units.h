@@ -46,6 +46,5 @@ private:
 
 // Statement handlers.
 int mifUnits(MifContext *context);
-int mifUnique(MifContext *context);
 
 #endif

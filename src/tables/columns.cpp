@@ -162,6 +162,7 @@ int mifEqualizeWidths(MifContext *context)
 {
     MifTableState &tables = context->tables;
     if (context->replay.readingStretch != 0) {
+        tables.inEqualizeWidths = 1; // stays up
         return 1;
     }
     const int32_t columns = std::min(layoutColumns(tables), autoSizeColumns);
@@ -171,7 +172,6 @@ int mifEqualizeWidths(MifContext *context)
     }
     tables.widthsSet = 0;
     tables.rowLayoutPending = 1;
-    tables.inEqualizeWidths = 0;
     return 1;
 }
 
@@ -187,6 +187,14 @@ void mifDefineRow(MifContext *context)
     const int64_t room = int64_t{context->pages.pageWidth} - style.leftIndent - style.rightIndent;
     tables.rowOffset = mifSaturate((room - mifSaturate(total)) / 2);
     mifWriteTableRow(context, columns);
+}
+
+void mifWriteRowLayout(MifContext *context)
+{
+    if (context->pages.inBodyText != 0) {
+        mifDefineRow(context);
+    }
+    context->tables.rowLayoutPending = 0;
 }
 
 void mifFreeColumns(MifContext *context)

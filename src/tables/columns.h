@@ -17,6 +17,9 @@ int mifEqualizeWidths(MifContext *context);
 // Writes the row layout, centred between the current indents.
 void mifDefineRow(MifContext *context);
 
+// At a start tag inside a row, once the columns are known: the table's layout, in body text.
+void mifWriteRowLayout(MifContext *context);
+
 void mifFreeColumns(MifContext *context);
 
 #endif

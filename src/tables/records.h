@@ -16,8 +16,8 @@ struct MifTableEntry : MifIndexNode {
 
 inline constexpr int32_t autoSizeColumns = 64;
 
-// Owned by tables.cpp and, from columnCount on, by columns.cpp; the scanner raises the inside flags and notes where a
-// table starts. Widths are twips. Nothing is reset between tables: each one overwrites what it names.
+// Owned by tables.cpp and, from columnCount on, by columns.cpp; the inside flags follow their statements. Widths are
+// twips. Nothing is reset between tables: each one overwrites what it names.
 struct MifTableState {
     uint32_t inTbls;
     uint32_t inTblFormat;

@@ -3,6 +3,8 @@
 #include <cstring>
 
 #include "reader/host_memory.h"
+#include "reader/replay.h"
+#include "reader/source.h"
 #include "reader/statement.h"
 #include "reader/tokens.h"
 #include "tables/columns.h"
@@ -17,29 +19,17 @@ bool isWriting(const MifContext *context)
 
 } // namespace
 
-int mifTblCatalog(MifContext * /*context*/)
-{
-    return 1;
-}
-
 int mifTbls(MifContext *context)
 {
-    context->tables.inTbls = 0;
-    context->replay.restorePending = 0;
+    mifCancelReturn(context);
     return 1;
 }
 
 // Outside of a replay the pending return has no effect.
 int mifTbl(MifContext *context)
 {
-    context->replay.restorePending = 1;
+    mifRequestReturn(context);
     return isWriting(context) ? mifWriteTableEnd(context) : 1;
-}
-
-int mifTblFormat(MifContext *context)
-{
-    context->tables.inTblFormat = 0;
-    return 1;
 }
 
 // In a replay the table is known already.
@@ -77,24 +67,7 @@ int mifATbl(MifContext *context)
     if (entry == nullptr) {
         return 0;
     }
-    context->replay.startPosition = entry->startOffset;
-    context->replay.suspendPending = 1;
-    return 1;
-}
-
-int mifTblH(MifContext * /*context*/)
-{
-    return 1;
-}
-
-int mifTblBody(MifContext * /*context*/)
-{
-    return 1;
-}
-
-int mifRow(MifContext *context)
-{
-    context->tables.inRow = 0;
+    mifRequestReplay(context, entry->startOffset);
     return 1;
 }
 
@@ -103,9 +76,9 @@ int mifCell(MifContext *context)
     return isWriting(context) ? mifWriteCellEnd(context) : 1;
 }
 
-int mifCellContent(MifContext * /*context*/)
+void mifNoteTableStart(MifContext *context)
 {
-    return 1;
+    context->tables.tableStartPosition = mifFilePosition(context);
 }
 
 void mifTblFreeTables(MifContext *context)

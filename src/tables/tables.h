@@ -8,17 +8,14 @@
 #include "reader/context.h"
 
 // Statement handlers.
-int mifTblCatalog(MifContext *context);
 int mifTbls(MifContext *context);
 int mifTbl(MifContext *context);
-int mifTblFormat(MifContext *context);
 int mifTblID(MifContext *context);
 int mifATbl(MifContext *context);
-int mifTblH(MifContext *context);
-int mifTblBody(MifContext *context);
-int mifRow(MifContext *context);
 int mifCell(MifContext *context);
-int mifCellContent(MifContext *context);
+
+// Notes where the table begins whose start tag is at the scan position.
+void mifNoteTableStart(MifContext *context);
 
 // Releases everything that the tables of the document hold.
 void mifTblFreeTables(MifContext *context);

@@ -19,7 +19,6 @@ bool isBodyTextRect(const MifPageState &pages, int32_t id)
 
 int mifPage(MifContext *context)
 {
-    context->pages.inPage = 0;
     context->pages.inBodyPage = 0;
     return 1;
 }
@@ -39,11 +38,6 @@ int mifPageType(MifContext *context)
     return 1;
 }
 
-int mifPageNum(MifContext * /*context*/)
-{
-    return 1;
-}
-
 // Every page replaces the size, whatever its type.
 int mifPageSize(MifContext *context)
 {
@@ -57,12 +51,6 @@ int mifPageSize(MifContext *context)
     return 1;
 }
 
-int mifTextRect(MifContext *context)
-{
-    context->pages.inTextRect = 0;
-    return 1;
-}
-
 // A line of text names the text rectangle it is placed in; only rectangles of body pages hold document text.
 int mifTextRectID(MifContext *context)
 {
@@ -71,12 +59,6 @@ int mifTextRectID(MifContext *context)
         return 0;
     }
     context->pages.inBodyText = isBodyTextRect(context->pages, mifParseInteger(value));
-    return 1;
-}
-
-int mifNotes(MifContext *context)
-{
-    context->pages.inNotes = 0;
     return 1;
 }
 

@@ -11,11 +11,8 @@
 // Statement handlers.
 int mifPage(MifContext *context);
 int mifPageType(MifContext *context);
-int mifPageNum(MifContext *context);
 int mifPageSize(MifContext *context);
-int mifTextRect(MifContext *context);
 int mifTextRectID(MifContext *context);
-int mifNotes(MifContext *context);
 int mifID(MifContext *context);
 
 void mifFreeBodyPageTextRect(MifContext *context);

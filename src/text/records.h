@@ -14,7 +14,7 @@ struct MifBodyTextRect : MifIndexNode {
     MifBodyTextRect *next;
 };
 
-// Pages, text rectangles and notes. Owned by pages.cpp; the scanner raises inPage, inTextRect and inNotes.
+// Pages, text rectangles and notes. Owned by pages.cpp; inPage, inTextRect and inNotes follow their statements.
 struct MifPageState {
     uint32_t inPage;
     uint32_t inBodyPage;
@@ -42,7 +42,7 @@ struct MifVariable : MifIndexNode {
     MifVariable *next;
 };
 
-// Owned by variables.cpp; the scanner raises inVariableFormats.
+// Owned by variables.cpp; inVariableFormats follows its statement.
 struct MifVariableState {
     uint32_t inVariableFormats;
     MifList<MifVariable> variableCatalog; // in the order of declaration

@@ -122,11 +122,6 @@ int mifPara(MifContext *context)
     return mifWriteLineBreak(context) && mifWriteParaEnd(context);
 }
 
-int mifParaLine(MifContext * /*context*/)
-{
-    return 1;
-}
-
 int mifMType(MifContext *context)
 {
     const char *value = mifValue(context);

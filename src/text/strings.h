@@ -8,7 +8,6 @@
 int mifString(MifContext *context);
 int mifChar(MifContext *context);
 int mifPara(MifContext *context);
-int mifParaLine(MifContext *context);
 int mifMType(MifContext *context);
 int mifMText(MifContext *context);
 

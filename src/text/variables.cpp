@@ -49,12 +49,6 @@ int writeDefinition(MifContext *context, const char *definition)
 
 } // namespace
 
-int mifVariableFormats(MifContext *context)
-{
-    context->variables.inVariableFormats = 0;
-    return 1;
-}
-
 int mifVariableName(MifContext *context)
 {
     const char *name = mifInnerValue(context);

@@ -8,7 +8,6 @@
 #include "reader/context.h"
 
 // Statement handlers. A VariableName declares a variable inside VariableFormats and refers to one everywhere else.
-int mifVariableFormats(MifContext *context);
 int mifVariableName(MifContext *context);
 int mifVariableDef(MifContext *context);
 

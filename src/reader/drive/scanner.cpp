@@ -22,18 +22,17 @@ namespace
 constexpr std::string_view defineWord = "define";
 constexpr std::string_view includeWord = "include";
 constexpr std::string_view defineNotice = "define macro statement encountered";
-constexpr std::string_view includeNotice = "include statment encountered";
+constexpr std::string_view includeNotice = "include statment encountered"; // misspelt, as hosts know it
 
-constexpr MifStatementEntry storedInParagraph = {"", mifPgfStoreInformation, nullptr};
-constexpr MifStatementEntry storedInFont = {"", mifFontStoreInformation, nullptr};
+constexpr MifStatementEntry storedInParagraph = {"", mifPgfStoreInformation};
+constexpr MifStatementEntry storedInFont = {"", mifFontStoreInformation};
 
 // While a format's definition is being stored, its statements are kept instead of being carried out. Those of a
 // replayed table are carried out all the same, like those of any other cell.
 const MifStatementEntry &rowToOpen(const MifContext *context, const MifStatementEntry &row)
 {
     const MifFormatState &formats = context->formats;
-    if (formats.inPgf != 0 && mifIsDefining(context, formats.pgfCatalog) && row.handler != mifPgfFont &&
-        row.handler != mifTabStop) {
+    if (formats.inPgf != 0 && mifIsDefining(context, formats.pgfCatalog) && (row.traits & TRAIT_CONTAINER) == 0) {
         return storedInParagraph;
     }
     if (formats.inFont != 0 && mifIsDefining(context, formats.fontCatalog)) {
@@ -49,14 +48,14 @@ bool mifProcessStartTag(MifContext *context, const MifStatementEntry &row, char 
     if (mifPushStatement(context, rowToOpen(context, row), valueStart) == nullptr) {
         return false;
     }
-    scanner.insideFlag = nullptr;
+    scanner.row = &row;
     if (row.insideFlag != nullptr) {
-        scanner.insideFlag = &row.insideFlag(*context);
-        scanner.insideFlagBefore = *scanner.insideFlag;
-        *scanner.insideFlag = 1;
+        uint32_t &flag = row.insideFlag(*context);
+        scanner.insideFlagBefore = flag;
+        flag = 1;
     }
-    if (row.handler == mifTbl) {
-        context->tables.tableStartPosition = mifFilePosition(context);
+    if ((row.traits & TRAIT_TABLE) != 0) {
+        mifNoteTableStart(context);
     }
     return true;
 }
@@ -68,6 +67,15 @@ enum class Step {
 };
 
 // One run over the stretch. Each step begins at the scan position and leaves it behind what it has taken up.
+//
+// The open statements are a stack of nodes. A start tag pushes one, which holds the statement's row and, once it is
+// found, the statement's value; the next step is either the `>` behind that value or the `<` of a nested statement,
+// which takes the value away from the one around it. At a `>` the innermost statement's handler runs while its node is
+// still on the stack, since that is where it finds its value, and the node is popped. So inner statements are carried
+// out before those around them, and a handler learns what it stands in from the flags that the open statements have
+// raised. The stack lives in the context and outlasts stretches and calls: a step that the stretch cuts is taken back
+// whole, its node and its flag included, and comes again with more text behind it. A replayed table's statements are
+// pushed on top of those of the text that anchors it.
 class Scan
 {
 public:
@@ -78,8 +86,9 @@ public:
 private:
     Step step();
     Step startTag();
-    Step importObject(char *from);
-    void writeRowLayout();
+    Step beginObject(char *name);
+    Step goOnInObject();
+    Step leaveObject(char *end);
     Step value(char *cursor);
     Step quotedValue(char *cursor);
     Step closeValue(char *close);
@@ -103,8 +112,7 @@ private:
 int Scan::run()
 {
     // An object is cut by a stretch's end alone, so that a scan can only begin in one.
-    if (context_->frames.scanCut != 0 && !mifOutputStopped(context_->output) &&
-        importObject(source_.scanPosition) != Step::next) {
+    if (context_->frames.scanCut != 0 && !mifOutputStopped(context_->output) && goOnInObject() != Step::next) {
         return 1;
     }
     for (;;) {
@@ -146,11 +154,7 @@ Step Scan::step()
 // of the document there is none, and the rest is dropped.
 Step Scan::giveBack()
 {
-    if (mifMoreToRead(context_)) {
-        source_.carryLength = static_cast<int32_t>(source_.bufferEnd - source_.scanPosition);
-    } else {
-        source_.scanPosition = source_.bufferEnd;
-    }
+    source_.scanPosition = mifCarryOver(context_, source_.scanPosition);
     return Step::stop;
 }
 
@@ -190,45 +194,36 @@ Step Scan::startTag()
     if (!mifProcessStartTag(context_, mifFindStatement(context_, nameStart, nameEnd), nameEnd + 1)) {
         return Step::fail;
     }
-    if (context_->scanner.insideFlag == &context_->frames.inImportObject && context_->pages.inPage == 0) {
-        return importObject(nameStart);
+    if ((context_->scanner.row->traits & TRAIT_OBJECT) != 0 && context_->pages.inPage == 0) {
+        return beginObject(nameStart);
     }
-    writeRowLayout();
+    const MifTableState &tables = context_->tables;
+    if (tables.inRow != 0 && tables.rowLayoutPending != 0) {
+        mifWriteRowLayout(context_);
+    }
     return value(nameEnd + 1);
 }
 
-// The first row whose columns are known carries the table's layout.
-void Scan::writeRowLayout()
+// An imported object is scanned raw, from the name of its start tag.
+Step Scan::beginObject(char *name)
 {
-    MifTableState &tables = context_->tables;
-    if (tables.inRow != 0 && tables.rowLayoutPending != 0) {
-        if (context_->pages.inBodyText != 0) {
-            mifDefineRow(context_);
-        }
-        tables.rowLayoutPending = 0;
-    }
-}
-
-// An imported object is scanned raw: from the name of its start tag, or further on where a stretch has ended or data
-// lines go on.
-Step Scan::importObject(char *from)
-{
-    MifFrameState &frames = context_->frames;
     char *start = source_.scanPosition;
-    const bool atStartTag = from != start;
-    const int32_t depthBefore = frames.insetDepth;
-    if (atStartTag) {
-        frames.insetDepth = 1;
-    }
-    source_.scanPosition = from;
-    char *end = mifProcessImportObject(context_);
-    source_.scanPosition = start;
-    if (atStartTag && end == from && source_.carryLength != 0) {
-        // The object's first line is cut: without its `<` it would be stray text.
-        frames.scanCut = 0;
-        frames.insetDepth = depthBefore;
+    char *end = mifBeginImportObject(context_, name);
+    if (end == nullptr) {
+        source_.scanPosition = start; // without its `<` the object's first line would be stray text
         return undoStartTag();
     }
+    return leaveObject(end);
+}
+
+// The raw scan goes on where a stretch has ended inside it, or at further data lines.
+Step Scan::goOnInObject()
+{
+    return leaveObject(mifProcessImportObject(context_));
+}
+
+Step Scan::leaveObject(char *end)
+{
     source_.scanPosition = end;
     return end != source_.bufferEnd && source_.carryLength == 0 ? Step::next : Step::stop;
 }
@@ -293,9 +288,9 @@ Step Scan::cutValue(char *cut)
 // The stretch ends inside the value: the statement is opened anew after the next read, so its flag must be as before.
 Step Scan::undoStartTag()
 {
-    MifScannerState &scanner = context_->scanner;
-    if (scanner.insideFlag != nullptr) {
-        *scanner.insideFlag = scanner.insideFlagBefore;
+    const MifScannerState &scanner = context_->scanner;
+    if (scanner.row->insideFlag != nullptr) {
+        scanner.row->insideFlag(*context_) = scanner.insideFlagBefore;
     }
     mifProcessEndTag(context_, 0);
     return giveBack();
@@ -326,13 +321,8 @@ Step Scan::whiteSpaceAndComment()
 
 Step Scan::comment()
 {
-    char *start = source_.scanPosition;
     mifSkipComments(context_);
-    if (source_.carryLength != 0) {
-        source_.scanPosition = start;
-        return Step::stop;
-    }
-    return Step::next;
+    return source_.carryLength == 0 ? Step::next : Step::stop;
 }
 
 // A macro that the stretch's end cuts is given back whole. Its notice comes when it is done with: at its end, at the
@@ -365,7 +355,7 @@ Step Scan::strayText()
     const char byte = *source_.scanPosition;
     if ((byte == '=' || byte == '&') && frames.inImportObject != 0 && frames.insetDepth != 0 &&
         context_->pages.inPage == 0) {
-        return importObject(source_.scanPosition);
+        return goOnInObject();
     }
     *source_.scanPosition = '#';
     return comment();

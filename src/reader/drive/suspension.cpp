@@ -7,7 +7,7 @@
 namespace
 {
 
-// Drops the stretch and goes to another place in the stream.
+// Drops the stretch and goes to another place in the stream, by way of its start: hosts see two seeks, as always.
 void moveStream(MifContext *context, int32_t position)
 {
     HostStream *stream = context->host.stream;
