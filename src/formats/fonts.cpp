@@ -1,6 +1,7 @@
 #include "formats/fonts.h"
 
 #include "formats/catalog.h"
+#include "formats/properties.h"
 #include "formats/resolution.h"
 #include "reader/statement.h"
 #include "text/apply_format.h"
@@ -38,6 +39,12 @@ int mifFTag(MifContext *context)
         mifPgfSetParagraphStyle(context);
     }
     return 1;
+}
+
+// Outside of body text a script position is not even read.
+int mifSetScript(MifContext *context)
+{
+    return context->pages.inBodyText != 0 ? mifSetDirectly(context) : 1;
 }
 
 int mifFontCreateNewFont(MifContext *context, const char *tag)

@@ -11,6 +11,7 @@
 // Statement handlers.
 int mifFont(MifContext *context);
 int mifFTag(MifContext *context);
+int mifSetScript(MifContext *context); // of the three statements that raise and lower text
 
 // The handler of statements inside a font's definition.
 int mifFontStoreInformation(MifContext *context);

@@ -204,6 +204,11 @@ int32_t isBold(const char *weight)
     return equal(weight, "Bold") || equal(weight, "Book") || equal(weight, "DemiBold");
 }
 
+int32_t readNothing(const char * /*text*/)
+{
+    return 0;
+}
+
 MifChange setWeight(MifContext *context, MifPropertyValue value)
 {
     mifSetWeight(context, value.text);
@@ -319,7 +324,7 @@ const MifProperty mifAlignment = {readAlignment, setAlignment};
 const MifProperty mifLeading = {readLeading, setLeading};
 const MifProperty mifSize = {mifParseInteger, setSize}; // whole points: a fraction and the unit are ignored
 const MifProperty mifColor = {readColor, setColor};
-const MifProperty mifWeight = {isBold, setWeight};
+const MifProperty mifWeight = {readNothing, setWeight};
 const MifProperty mifStoredWeight = {isBold, setMode<MODE_BOLD>};
 const MifProperty mifAngle = {isItalic, setMode<MODE_ITALIC>};
 const MifProperty mifUnderlining = {isUnderlining, setMode<MODE_UNDERLINE>};
@@ -346,16 +351,13 @@ void mifSetWeight(MifContext *context, const char *weight)
 
 int mifSetDirectly(MifContext *context)
 {
-    const MifStatementEntry &row = *context->scanner.statementStack->row;
-    if ((row.traits & TRAIT_BODY_TEXT) != 0 && context->pages.inBodyText == 0) {
-        return 1; // the value is not even read
-    }
     const char *text = mifUnquotedValue(context);
     if (text == nullptr) {
         return 0;
     }
     MifFormatState &formats = context->formats;
-    const MifChange change = row.direct->set(context, {text, row.direct->read(text)});
+    const MifProperty &property = *context->scanner.statementStack->row->direct;
+    const MifChange change = property.set(context, {text, property.read(text)});
     if (change == MifChange::differs ||
         (change == MifChange::modes && formats.currentStyle.modes != formats.appliedStyle.modes)) {
         formats.styleChanged = 1;

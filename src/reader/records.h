@@ -14,13 +14,13 @@ using MifStatementHandler = int (*)(MifContext *context);
 // The flag that a statement raises at its start tag and lowers at its end. It is no counter.
 using MifInsideFlag = uint32_t &(*)(MifContext &context);
 
-// What the scanner does otherwise for a statement.
+// What the scanner does otherwise for a statement; most have no trait, so that one test passes over them.
 enum : uint32_t {
     TRAIT_PARAGRAPH = 1,  // it is counted in openParagraphs while it is open
-    TRAIT_TABLE = 2,      // where it begins is noted, for its replays
-    TRAIT_OBJECT = 4,     // its content is scanned raw, but not on pages
-    TRAIT_CONTAINER = 8,  // in a paragraph format's definition the statements inside are stored, itself not
-    TRAIT_BODY_TEXT = 16, // it sets its property in body text alone
+    TRAIT_FLAG = 2,       // it has an inside flag
+    TRAIT_TABLE = 4,      // where it begins is noted, for its replays
+    TRAIT_OBJECT = 8,     // its content is scanned raw, but not on pages
+    TRAIT_CONTAINER = 16, // in a paragraph format's definition the statements inside are stored, itself not
 };
 
 struct MifProperty;
@@ -29,10 +29,10 @@ struct MifProperty;
 struct MifStatementEntry {
     char name[32];
     MifStatementHandler handler;
-    MifInsideFlag insideFlag = nullptr;  // null for most statements
-    const MifProperty *direct = nullptr; // the property that the statement sets in the text; null for none
-    const MifProperty *stored = nullptr; // the one that it sets when a format it was stored in is selected
-    uint32_t traits = 0;
+    MifInsideFlag insideFlag;  // with TRAIT_FLAG; else null
+    const MifProperty *direct; // the property that the statement sets in the text; null for none
+    const MifProperty *stored; // the one that it sets when a format it was stored in is selected
+    uint32_t traits;
 };
 
 struct MifHostState {

@@ -12,7 +12,9 @@ inline MifStatement *mifPushStatement(MifContext *context, const MifStatementEnt
     if (statement != nullptr) {
         *statement = {&row, valueStart, nullptr, context->scanner.statementStack};
         context->scanner.statementStack = statement;
-        context->scanner.openParagraphs += row.traits & TRAIT_PARAGRAPH;
+        if (row.traits != 0) {
+            context->scanner.openParagraphs += row.traits & TRAIT_PARAGRAPH;
+        }
     }
     return statement;
 }
@@ -28,7 +30,7 @@ inline int mifProcessEndTag(MifContext *context, int runHandler)
     const MifStatementEntry &row = *statement->row;
     int result = 1;
     if (runHandler != 0) {
-        if (row.insideFlag != nullptr) {
+        if ((row.traits & TRAIT_FLAG) != 0) {
             row.insideFlag(*context) = 0;
         }
         result = row.handler(context);
@@ -37,7 +39,9 @@ inline int mifProcessEndTag(MifContext *context, int runHandler)
         context->replay.savedStatement = nullptr; // its address may come back as another statement's
     }
     context->scanner.statementStack = statement->enclosing;
-    context->scanner.openParagraphs -= row.traits & TRAIT_PARAGRAPH;
+    if (row.traits != 0) {
+        context->scanner.openParagraphs -= row.traits & TRAIT_PARAGRAPH;
+    }
     mifRelease(context, statement);
     return result;
 }

@@ -24,8 +24,8 @@ constexpr std::string_view includeWord = "include";
 constexpr std::string_view defineNotice = "define macro statement encountered";
 constexpr std::string_view includeNotice = "include statment encountered"; // misspelt, as hosts know it
 
-constexpr MifStatementEntry storedInParagraph = {"", mifPgfStoreInformation};
-constexpr MifStatementEntry storedInFont = {"", mifFontStoreInformation};
+constexpr MifStatementEntry storedInParagraph = {"", mifPgfStoreInformation, nullptr, nullptr, nullptr, 0};
+constexpr MifStatementEntry storedInFont = {"", mifFontStoreInformation, nullptr, nullptr, nullptr, 0};
 
 // While a format's definition is being stored, its statements are kept instead of being carried out. Those of a
 // replayed table are carried out all the same, like those of any other cell.
@@ -49,12 +49,11 @@ bool mifProcessStartTag(MifContext *context, const MifStatementEntry &row, char 
         return false;
     }
     scanner.row = &row;
-    if (row.insideFlag != nullptr) {
+    if ((row.traits & TRAIT_FLAG) != 0) {
         uint32_t &flag = row.insideFlag(*context);
         scanner.insideFlagBefore = flag;
         flag = 1;
-    }
-    if ((row.traits & TRAIT_TABLE) != 0) {
+    } else if ((row.traits & TRAIT_TABLE) != 0) {
         mifNoteTableStart(context);
     }
     return true;
@@ -289,7 +288,7 @@ Step Scan::cutValue(char *cut)
 Step Scan::undoStartTag()
 {
     const MifScannerState &scanner = context_->scanner;
-    if (scanner.row->insideFlag != nullptr) {
+    if ((scanner.row->traits & TRAIT_FLAG) != 0) {
         scanner.row->insideFlag(*context_) = scanner.insideFlagBefore;
     }
     mifProcessEndTag(context_, 0);

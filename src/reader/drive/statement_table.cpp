@@ -1,5 +1,6 @@
 #include "reader/drive/statement_table.h"
 
+#include <algorithm>
 #include <numeric>
 #include <string_view>
 
@@ -26,128 +27,135 @@ uint32_t &insideFlag(MifContext &context)
     return context.*group.*flag;
 }
 
+template <size_t size>
+constexpr MifStatementEntry row(const char (&name)[size], MifStatementHandler handler, uint32_t traits = 0)
+{
+    MifStatementEntry entry = {"", handler, nullptr, nullptr, nullptr, traits};
+    std::copy_n(name, size, entry.name);
+    return entry;
+}
+
+// A statement whose start and end tags raise and lower a flag.
+template <size_t size>
+constexpr MifStatementEntry inside(const char (&name)[size], MifStatementHandler handler, MifInsideFlag flag,
+                                   uint32_t traits = 0)
+{
+    MifStatementEntry entry = row(name, handler, traits | TRAIT_FLAG);
+    entry.insideFlag = flag;
+    return entry;
+}
+
+// A statement that sets a property, in the text and when a format that it is stored in is selected.
+template <size_t size>
+constexpr MifStatementEntry sets(const char (&name)[size], const MifProperty &direct, const MifProperty &stored,
+                                 MifStatementHandler handler = mifSetDirectly)
+{
+    MifStatementEntry entry = row(name, handler);
+    entry.direct = &direct;
+    entry.stored = &stored;
+    return entry;
+}
+
+template <size_t size>
+constexpr MifStatementEntry sets(const char (&name)[size], const MifProperty &property)
+{
+    return sets(name, property, property);
+}
+
 uint32_t hashOf(std::string_view name)
 {
     return std::accumulate(name.begin(), name.end(), 0U,
                            [](uint32_t hash, char byte) { return hash * 37 + static_cast<unsigned char>(byte); });
 }
 
+constexpr MifStatementEntry rows[] = {
+    row("TblCatalog", mifUnsupportedMIFStatement),
+    inside("TblFormat", mifUnsupportedMIFStatement, insideFlag<&MifContext::tables, &MifTableState::inTblFormat>),
+    row("Tbl", mifTbl, TRAIT_TABLE),
+    inside("Tbls", mifTbls, insideFlag<&MifContext::tables, &MifTableState::inTbls>),
+    row("TblID", mifTblID),
+    row("Cell", mifCell),
+    row("CellContent", mifUnsupportedMIFStatement),
+    row("TblH", mifUnsupportedMIFStatement),
+    row("TblBody", mifUnsupportedMIFStatement),
+    inside("Row", mifUnsupportedMIFStatement, insideFlag<&MifContext::tables, &MifTableState::inRow>),
+    row("ATbl", mifATbl),
+    row("TblNumColumns", mifTblNumColumns),
+    row("TblColumnWidth", mifTblColumnWidth),
+    row("TblColumnWidthA", mifTblColumnWidthA),
+    inside("EqualizeWidths", mifEqualizeWidths, insideFlag<&MifContext::tables, &MifTableState::inEqualizeWidths>),
+    row("TblColumnNum", mifTblColumnNum),
+    row("MIFFile", mifMIFFile),
+    row("Para", mifPara, TRAIT_PARAGRAPH),
+    row("ParaLine", mifUnsupportedMIFStatement),
+    row("String", mifString),
+    row("MText", mifMText),
+    row("MType", mifMType),
+    row("Char", mifChar),
+    inside("VariableFormats", mifUnsupportedMIFStatement,
+           insideFlag<&MifContext::variables, &MifVariableState::inVariableFormats>),
+    row("VariableName", mifVariableName),
+    row("VariableDef", mifVariableDef),
+    inside("PgfCatalog", mifUnsupportedMIFStatement, insideFlag<&MifContext::formats, &MifFormatState::inPgfCatalog>),
+    inside("Pgf", mifPgf, insideFlag<&MifContext::formats, &MifFormatState::inPgf>),
+    row("PgfTag", mifPgfTag),
+    row("PgfNumString", mifPgfNumString),
+    row("PgfFont", mifUnsupportedMIFStatement, TRAIT_CONTAINER),
+    row("TabStop", mifUnsupportedMIFStatement, TRAIT_CONTAINER),
+    sets("PgfAlignment", mifAlignment),
+    sets("PgfLeading", mifLeading),
+    sets("PgfFIndent", mifMeasurement<&MifParagraphStyle::firstIndent>),
+    sets("PgfLIndent", mifMeasurement<&MifParagraphStyle::leftIndent>),
+    sets("PgfRIndent", mifMeasurement<&MifParagraphStyle::rightIndent>),
+    sets("PgfSpBefore", mifMeasurement<&MifParagraphStyle::spaceBefore>),
+    sets("PgfSpAfter", mifMeasurement<&MifParagraphStyle::spaceAfter>),
+    sets("PgfNumTabs", mifTabCount),
+    sets("TSX", mifTabPosition),
+    sets("TSType", mifTabKind),
+    inside("Page", mifPage, insideFlag<&MifContext::pages, &MifPageState::inPage>),
+    row("PageNum", mifUnsupportedMIFStatement),
+    row("PageSize", mifPageSize),
+    row("PageType", mifPageType),
+    inside("TextRect", mifUnsupportedMIFStatement, insideFlag<&MifContext::pages, &MifPageState::inTextRect>),
+    row("TextRectID", mifTextRectID),
+    inside("AFrames", mifUnsupportedMIFStatement, insideFlag<&MifContext::frames, &MifFrameState::inAFrames>),
+    row("AFrame", mifAFrame),
+    inside("Frame", mifUnsupportedMIFStatement, insideFlag<&MifContext::frames, &MifFrameState::inFrame>),
+    row("ID", mifID),
+    inside("ImportObject", mifUnsupportedMIFStatement, insideFlag<&MifContext::frames, &MifFrameState::inImportObject>,
+           TRAIT_OBJECT),
+    row("ShapeRect", mifShapeRect),
+    row("FrameType", mifUnsupportedMIFStatement),
+    row("NSOffset", mifNSOffset),
+    row("AnchorAlign", mifAnchorAlign),
+    row("ImportObFileDI", mifImportObFileDI),
+    row("Units", mifUnits),
+    inside("Notes", mifUnsupportedMIFStatement, insideFlag<&MifContext::pages, &MifPageState::inNotes>),
+    row("Unique", mifUnsupportedMIFStatement),
+    inside("FontCatalog", mifUnsupportedMIFStatement, insideFlag<&MifContext::formats, &MifFormatState::inFontCatalog>),
+    inside("Font", mifFont, insideFlag<&MifContext::formats, &MifFormatState::inFont>),
+    row("FTag", mifFTag),
+    sets("FWeight", mifWeight, mifStoredWeight),
+    sets("FSize", mifSize),
+    sets("FFamily", mifFamily, mifStoredFamily),
+    sets("FAngle", mifAngle),
+    sets("FUnderlining", mifUnderlining),
+    sets("FUnderline", mifUnderlining),
+    sets("FStrike", mifStrike),
+    sets("FColor", mifColor),
+    sets("FPosition", mifPosition, mifStoredPosition, mifSetScript),
+    sets("FSubScript", mifSubscript, mifSubscript, mifSetScript),
+    sets("FSupScript", mifSuperscript, mifSuperscript, mifSetScript),
+    sets("FCase", mifCase),
+    sets("FPlain", mifPlain),
+    sets("FBold", mifBold),
+    sets("FItalic", mifItalic, mifStoredItalic),
+};
+
 } // namespace
 
-const MifStatementEntry mifUnsupportedStatement = {"", mifUnsupportedMIFStatement};
-
-const MifStatementEntry MifStatementTable[statementCount] = {
-    {"TblCatalog", mifUnsupportedMIFStatement},
-    {"TblFormat", mifUnsupportedMIFStatement, insideFlag<&MifContext::tables, &MifTableState::inTblFormat>},
-    {.name = "Tbl", .handler = mifTbl, .traits = TRAIT_TABLE},
-    {"Tbls", mifTbls, insideFlag<&MifContext::tables, &MifTableState::inTbls>},
-    {"TblID", mifTblID},
-    {"Cell", mifCell},
-    {"CellContent", mifUnsupportedMIFStatement},
-    {"TblH", mifUnsupportedMIFStatement},
-    {"TblBody", mifUnsupportedMIFStatement},
-    {"Row", mifUnsupportedMIFStatement, insideFlag<&MifContext::tables, &MifTableState::inRow>},
-    {"ATbl", mifATbl},
-    {"TblNumColumns", mifTblNumColumns},
-    {"TblColumnWidth", mifTblColumnWidth},
-    {"TblColumnWidthA", mifTblColumnWidthA},
-    {"EqualizeWidths", mifEqualizeWidths, insideFlag<&MifContext::tables, &MifTableState::inEqualizeWidths>},
-    {"TblColumnNum", mifTblColumnNum},
-    {"MIFFile", mifMIFFile},
-    {.name = "Para", .handler = mifPara, .traits = TRAIT_PARAGRAPH},
-    {"ParaLine", mifUnsupportedMIFStatement},
-    {"String", mifString},
-    {"MText", mifMText},
-    {"MType", mifMType},
-    {"Char", mifChar},
-    {"VariableFormats", mifUnsupportedMIFStatement,
-     insideFlag<&MifContext::variables, &MifVariableState::inVariableFormats>},
-    {"VariableName", mifVariableName},
-    {"VariableDef", mifVariableDef},
-    {"PgfCatalog", mifUnsupportedMIFStatement, insideFlag<&MifContext::formats, &MifFormatState::inPgfCatalog>},
-    {"Pgf", mifPgf, insideFlag<&MifContext::formats, &MifFormatState::inPgf>},
-    {"PgfTag", mifPgfTag},
-    {"PgfNumString", mifPgfNumString},
-    {.name = "PgfFont", .handler = mifUnsupportedMIFStatement, .traits = TRAIT_CONTAINER},
-    {.name = "TabStop", .handler = mifUnsupportedMIFStatement, .traits = TRAIT_CONTAINER},
-    {.name = "PgfAlignment", .handler = mifSetDirectly, .direct = &mifAlignment, .stored = &mifAlignment},
-    {.name = "PgfLeading", .handler = mifSetDirectly, .direct = &mifLeading, .stored = &mifLeading},
-    {.name = "PgfFIndent",
-     .handler = mifSetDirectly,
-     .direct = &mifMeasurement<&MifParagraphStyle::firstIndent>,
-     .stored = &mifMeasurement<&MifParagraphStyle::firstIndent>},
-    {.name = "PgfLIndent",
-     .handler = mifSetDirectly,
-     .direct = &mifMeasurement<&MifParagraphStyle::leftIndent>,
-     .stored = &mifMeasurement<&MifParagraphStyle::leftIndent>},
-    {.name = "PgfRIndent",
-     .handler = mifSetDirectly,
-     .direct = &mifMeasurement<&MifParagraphStyle::rightIndent>,
-     .stored = &mifMeasurement<&MifParagraphStyle::rightIndent>},
-    {.name = "PgfSpBefore",
-     .handler = mifSetDirectly,
-     .direct = &mifMeasurement<&MifParagraphStyle::spaceBefore>,
-     .stored = &mifMeasurement<&MifParagraphStyle::spaceBefore>},
-    {.name = "PgfSpAfter",
-     .handler = mifSetDirectly,
-     .direct = &mifMeasurement<&MifParagraphStyle::spaceAfter>,
-     .stored = &mifMeasurement<&MifParagraphStyle::spaceAfter>},
-    {.name = "PgfNumTabs", .handler = mifSetDirectly, .direct = &mifTabCount, .stored = &mifTabCount},
-    {.name = "TSX", .handler = mifSetDirectly, .direct = &mifTabPosition, .stored = &mifTabPosition},
-    {.name = "TSType", .handler = mifSetDirectly, .direct = &mifTabKind, .stored = &mifTabKind},
-    {"Page", mifPage, insideFlag<&MifContext::pages, &MifPageState::inPage>},
-    {"PageNum", mifUnsupportedMIFStatement},
-    {"PageSize", mifPageSize},
-    {"PageType", mifPageType},
-    {"TextRect", mifUnsupportedMIFStatement, insideFlag<&MifContext::pages, &MifPageState::inTextRect>},
-    {"TextRectID", mifTextRectID},
-    {"AFrames", mifUnsupportedMIFStatement, insideFlag<&MifContext::frames, &MifFrameState::inAFrames>},
-    {"AFrame", mifAFrame},
-    {"Frame", mifUnsupportedMIFStatement, insideFlag<&MifContext::frames, &MifFrameState::inFrame>},
-    {"ID", mifID},
-    {.name = "ImportObject",
-     .handler = mifUnsupportedMIFStatement,
-     .insideFlag = insideFlag<&MifContext::frames, &MifFrameState::inImportObject>,
-     .traits = TRAIT_OBJECT},
-    {"ShapeRect", mifShapeRect},
-    {"FrameType", mifUnsupportedMIFStatement},
-    {"NSOffset", mifNSOffset},
-    {"AnchorAlign", mifAnchorAlign},
-    {"ImportObFileDI", mifImportObFileDI},
-    {"Units", mifUnits},
-    {"Notes", mifUnsupportedMIFStatement, insideFlag<&MifContext::pages, &MifPageState::inNotes>},
-    {"Unique", mifUnsupportedMIFStatement},
-    {"FontCatalog", mifUnsupportedMIFStatement, insideFlag<&MifContext::formats, &MifFormatState::inFontCatalog>},
-    {"Font", mifFont, insideFlag<&MifContext::formats, &MifFormatState::inFont>},
-    {"FTag", mifFTag},
-    {.name = "FWeight", .handler = mifSetDirectly, .direct = &mifWeight, .stored = &mifStoredWeight},
-    {.name = "FSize", .handler = mifSetDirectly, .direct = &mifSize, .stored = &mifSize},
-    {.name = "FFamily", .handler = mifSetDirectly, .direct = &mifFamily, .stored = &mifStoredFamily},
-    {.name = "FAngle", .handler = mifSetDirectly, .direct = &mifAngle, .stored = &mifAngle},
-    {.name = "FUnderlining", .handler = mifSetDirectly, .direct = &mifUnderlining, .stored = &mifUnderlining},
-    {.name = "FUnderline", .handler = mifSetDirectly, .direct = &mifUnderlining, .stored = &mifUnderlining},
-    {.name = "FStrike", .handler = mifSetDirectly, .direct = &mifStrike, .stored = &mifStrike},
-    {.name = "FColor", .handler = mifSetDirectly, .direct = &mifColor, .stored = &mifColor},
-    {.name = "FPosition",
-     .handler = mifSetDirectly,
-     .direct = &mifPosition,
-     .stored = &mifStoredPosition,
-     .traits = TRAIT_BODY_TEXT},
-    {.name = "FSubScript",
-     .handler = mifSetDirectly,
-     .direct = &mifSubscript,
-     .stored = &mifSubscript,
-     .traits = TRAIT_BODY_TEXT},
-    {.name = "FSupScript",
-     .handler = mifSetDirectly,
-     .direct = &mifSuperscript,
-     .stored = &mifSuperscript,
-     .traits = TRAIT_BODY_TEXT},
-    {.name = "FCase", .handler = mifSetDirectly, .direct = &mifCase, .stored = &mifCase},
-    {.name = "FPlain", .handler = mifSetDirectly, .direct = &mifPlain, .stored = &mifPlain},
-    {.name = "FBold", .handler = mifSetDirectly, .direct = &mifBold, .stored = &mifBold},
-    {.name = "FItalic", .handler = mifSetDirectly, .direct = &mifItalic, .stored = &mifStoredItalic},
-};
+const MifStatementEntry mifUnsupportedStatement = row("", mifUnsupportedMIFStatement);
+constinit const std::span<const MifStatementEntry> MifStatementTable = rows;
 
 uint32_t mifHashValue(const char *name)
 {

@@ -6,14 +6,13 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string_view>
 
 #include "reader/context.h"
 
-inline constexpr uint32_t statementCount = 79;
-
 // Read-only and shared by all contexts.
-extern const MifStatementEntry MifStatementTable[statementCount];
+extern const std::span<const MifStatementEntry> MifStatementTable;
 
 // The bucket of a name, 0 to 40.
 uint32_t mifHashValue(const char *name);
