@@ -102,7 +102,7 @@ typedef struct MifFileAccess {
      * A seek to the end is for mifFileTell alone: reads go on where they were. What it tells can be too small or too
      * large, so that a host reads until 0. After a seek beyond the end, which leaves the position at 0 or where it was,
      * reads give 0. After a read that delivered fewer bytes than asked for a seek from the current position begins
-     * behind all that the read had looked at. A seek to the start puts all of this right.
+     * after all that the read had looked at. A seek to the start puts all of this right.
      */
     int32_t (*mifFileSeek)(MifFileHandle *handle, int32_t offset, int32_t origin);
 

@@ -23,7 +23,7 @@ constexpr Keyword alignments[] = {
     {"Right", MIF_ALIGN_RIGHT},
 };
 
-// 0x00BBGGRR. Cyan is what the output's readers have always been given for it.
+// 0x00BBGGRR. Cyan is told to hosts as this, whatever its name says.
 constexpr Keyword colors[] = {
     {"White", 0xFFFFFF}, {"Red", 0x0000FF},     {"Green", 0x008000},  {"Blue", 0xFF0000},
     {"Cyan", 0x800080},  {"Magenta", 0xFF00FF}, {"Yellow", 0x00FFFF},

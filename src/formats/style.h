@@ -33,7 +33,7 @@ struct MifParagraphStyle {
     int32_t tabPositionsFilled; // positions that came since the list was last set up
     int32_t tabKindsFilled;
     int32_t tabCount;
-    int32_t tabsStored;    // entries of the arrays, at most tabCount; the stops behind them are left ones at 0
+    int32_t tabsStored;    // entries of the arrays, at most tabCount; the stops after them are left ones at 0
     int32_t *tabPositions; // from the host's memory, owned; null when tabsStored is 0
     int32_t *tabKinds;     // likewise, MIF_TAB values
     uint8_t lineSpacing;   // a MIF_SPACING value

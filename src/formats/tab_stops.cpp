@@ -56,7 +56,7 @@ bool reserveStop(MifContext *context, MifParagraphStyle &style, int32_t index)
            copyArrays(context, style, style, std::min(style.tabCount, std::max(fewestStored, 2 * index)));
 }
 
-// Whether two arrays are the same, with zeros behind the entries that are stored.
+// Whether two arrays are the same, with zeros after the entries that are stored.
 bool sameEntries(const int32_t *left, int32_t leftStored, const int32_t *right, int32_t rightStored)
 {
     const int32_t common = std::min(leftStored, rightStored);

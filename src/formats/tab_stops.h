@@ -2,7 +2,7 @@
 // holds them.
 //
 // The document says how many stops there are before it gives them. The arrays grow with those that come, so that no
-// number takes more memory than the text behind it.
+// number takes more memory than the text after it.
 #ifndef MIFREADER_SRC_FORMATS_TAB_STOPS_H
 #define MIFREADER_SRC_FORMATS_TAB_STOPS_H
 

@@ -220,7 +220,7 @@ bool ObjectScan::dataLine()
     MifObjectData &object = frame_.object;
     char *limit = lineEnd();
     if (object.dataStart == 0) {
-        object.dataStart = mifStreamPosition(context_, position_);
+        object.dataStart = mifPositionOf(context_, position_);
         object.kind = embeddedKind;
     }
     const char *read = position_;
@@ -281,7 +281,7 @@ char *ObjectScan::handBack()
     return mifCarryOver(context_, line_);
 }
 
-// A name built up to its longest length; what comes behind is cut off.
+// A name built up to its longest length; what comes after that is cut off.
 class FileName
 {
 public:

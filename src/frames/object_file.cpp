@@ -40,10 +40,10 @@ void seekStream(MifContext *context, int32_t position)
 // Puts the stream back to where the fill cycle will read next.
 void returnStream(MifContext *context)
 {
-    seekStream(context, mifStreamPosition(context, context->source.bufferEnd));
+    seekStream(context, mifPositionOf(context, context->source.bufferEnd));
 }
 
-// The data start behind the first line's `&`.
+// The data start after the first line's `&`.
 void rewind(MifObjectFile &file)
 {
     file.readCursor = {file.frame->object.dataStart, 0, 0, 0};

@@ -11,13 +11,13 @@
 // What is known of the data of a frame's imported object. All of it goes back when a line has to be scanned again.
 struct MifObjectData {
     uint32_t kind;           // 2 when data are embedded
-    int32_t dataStart;       // stream position behind the `&` of the first data line; 0 for no data
+    int32_t dataStart;       // stream position after the `&` of the first data line; 0 for no data
     int32_t dataLength;      // decoded bytes of the first facet
     uint32_t facetSeen;      // the first facet has begun
     uint32_t laterFacetSeen; // and a further one, whose data do not count
     uint32_t skipData;       // in the data of a further facet
     uint32_t percentSeen;    // the facet's `&%` line has come
-    uint8_t percentChar;     // the character behind it
+    uint8_t percentChar;     // the character after it
 };
 
 // An anchored frame. Positions and sizes are twips.
@@ -38,7 +38,7 @@ struct MifDataCursor {
     int32_t position;     // in the stream
     uint32_t atLineStart; // a line begins there
     uint32_t hexMode;     // of the data from there on
-    uint32_t ended;       // the `=` behind the facet's data was met
+    uint32_t ended;       // the `=` after the facet's data was met
 };
 
 // The object that the host has opened last. Its state is apart from the frame's, so that reading it disturbs no scan.

@@ -6,7 +6,7 @@
 namespace
 {
 
-// A key is read as 9 bits a byte: a 1 for a byte that is there, then the byte from its highest bit on. Behind its end a
+// A key is read as 9 bits a byte: a 1 for a byte that is there, then the byte from its highest bit on. After its end a
 // key is all zeros, so that no key is the beginning of another. Bits are counted from 1.
 constexpr uint32_t bitsPerByte = 9;
 

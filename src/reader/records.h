@@ -75,7 +75,7 @@ struct MifOutputState {
 
 inline constexpr int32_t sourceBufferSize = 4096;
 
-// How far behind the text bytes are looked at, with what an earlier stretch has left there.
+// How far after the text bytes are looked at, with what an earlier stretch has left there.
 inline constexpr int32_t sourceBufferMargin = 16;
 
 // The stretch of text that is being scanned:
@@ -86,7 +86,7 @@ inline constexpr int32_t sourceBufferMargin = 16;
 // buffer <= scanPosition <= bufferEnd <= buffer + sourceBufferSize, always. When carryLength is not 0, the carryLength
 // bytes from scanPosition to bufferEnd are an unfinished statement that the next read moves to the front.
 //
-// At bufferEnd, behind the text, stands a `>`: it ends names, blanks and values, so that what looks for their end need
+// At bufferEnd, after the text, stands a `>`: it ends names, blanks and values, so that what looks for their end need
 // not look for the end of the text as well.
 //
 // The steps of the scan, the header and the raw scan of objects move scanPosition; drive/ counts bytesRead anew when it
@@ -144,7 +144,7 @@ struct MifLookupEntry {
 
 inline constexpr uint32_t statementBucketCount = 41;
 
-// A name of up to 16 bytes as two words, zeros behind it, and the row that was found for it; null for none yet.
+// A name of up to 16 bytes as two words, zeros after it, and the row that was found for it; null for none yet.
 struct MifRecentName {
     uint64_t first;
     uint64_t second;

@@ -4,7 +4,7 @@
 
 #include "reader/context.h"
 
-// Has the scanner leave the text behind the statement that is being closed, and read the table at that position of the
+// Has the scanner leave the text after the statement that is being closed, and read the table at that position of the
 // stream.
 inline void mifRequestReplay(MifContext *context, int32_t position)
 {
@@ -12,7 +12,7 @@ inline void mifRequestReplay(MifContext *context, int32_t position)
     context->replay.suspendPending = 1;
 }
 
-// Has the scanner go back to the text behind the statement that is being closed. Outside of a replay the request waits.
+// Has the scanner go back to the text after the statement that is being closed. Outside of a replay the request waits.
 inline void mifRequestReturn(MifContext *context)
 {
     context->replay.restorePending = 1;

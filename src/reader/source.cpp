@@ -7,7 +7,7 @@ namespace
 {
 
 // Where the next stretch begins.
-int32_t streamPosition(const MifContext *context)
+int32_t nextReadPosition(const MifContext *context)
 {
     const MifReplayState &replay = context->replay;
     return replay.readingStretch != 0 ? replay.stretchPosition : context->source.bytesRead;
@@ -33,19 +33,19 @@ char *mifFindLineEnd(char *begin, char *end)
 
 bool mifMoreToRead(const MifContext *context)
 {
-    return streamPosition(context) < context->source.totalSize;
+    return nextReadPosition(context) < context->source.totalSize;
 }
 
-int32_t mifStreamPosition(const MifContext *context, const char *byte)
+int32_t mifPositionOf(const MifContext *context, const char *byte)
 {
-    return streamPosition(context) - static_cast<int32_t>(context->source.bufferEnd - byte);
+    return nextReadPosition(context) - static_cast<int32_t>(context->source.bufferEnd - byte);
 }
 
 int32_t mifFilePosition(const MifContext *context)
 {
     const MifReplayState &replay = context->replay;
     const MifSourceState &source = context->source;
-    return replay.readingStretch != 0 ? replay.savedPosition : mifStreamPosition(context, source.scanPosition);
+    return replay.readingStretch != 0 ? replay.savedPosition : mifPositionOf(context, source.scanPosition);
 }
 
 size_t mifReadStream(MifContext *context, char *destination, size_t count)
@@ -59,7 +59,7 @@ int32_t mifReadSourceFile(MifContext *context)
 {
     MifSourceState &source = context->source;
     MifReplayState &replay = context->replay;
-    const int32_t left = source.totalSize - streamPosition(context);
+    const int32_t left = source.totalSize - nextReadPosition(context);
     if (left <= 0) {
         return 0;
     }
@@ -106,7 +106,7 @@ char *mifSkipComments(MifContext *context)
     MifSourceState &source = context->source;
     char *comment = source.scanPosition;
     char *position = mifFindLineEnd(comment + 1, source.bufferEnd);
-    for (int bytes = 0; bytes < 2 && mifNewLine(*position); ++bytes) { // there is none behind the text
+    for (int bytes = 0; bytes < 2 && mifNewLine(*position); ++bytes) { // there is none after the text
         ++position;
     }
     source.scanPosition = position != source.bufferEnd ? mifEatWhiteSpace(position) : mifCarryOver(context, comment);

@@ -47,19 +47,19 @@ inline bool mifNewLine(char byte)
 // The first line-end byte in [begin, end), or end. Both are in the source buffer.
 char *mifFindLineEnd(char *begin, char *end);
 
-// Whether the stream may still deliver bytes behind the ones in the buffer.
+// Whether the stream may still deliver bytes after the ones in the buffer.
 bool mifMoreToRead(const MifContext *context);
 
 // The position in the stream of a byte in the buffer.
-int32_t mifStreamPosition(const MifContext *context, const char *byte);
+int32_t mifPositionOf(const MifContext *context, const char *byte);
 
-// The document offset of the scan position. While a table is replayed it stands still, behind the table's anchor.
+// The document offset of the scan position. While a table is replayed it stands still, after the table's anchor.
 int32_t mifFilePosition(const MifContext *context);
 
 // Reads up to count bytes from the stream. What a stream should not answer counts as nothing.
 size_t mifReadStream(MifContext *context, char *destination, size_t count);
 
-// Reads the next stretch behind the carried bytes, and nothing behind the document's stated size. Returns the number of
+// Reads the next stretch after the carried bytes, and nothing after the document's stated size. Returns the number of
 // bytes newly read, 0 at the end of the document. Carried bytes that fill the whole buffer are given up first.
 int32_t mifReadSourceFile(MifContext *context);
 
@@ -106,7 +106,7 @@ inline char *mifFindNameEnd(char *name)
 // position belongs: `step`, or the end of the text.
 char *mifCarryOver(MifContext *context, char *step);
 
-// Skips the comment whose `#` is at the scan position, its line end and the white space behind it. A comment that the
+// Skips the comment whose `#` is at the scan position, its line end and the white space after it. A comment that the
 // buffer's end cuts (its line end and one more byte must be there) is carried over if there is more to read. Returns
 // the new scan position.
 char *mifSkipComments(MifContext *context);

@@ -136,7 +136,7 @@ const char *findBlank(const char *text)
     return text;
 }
 
-// The end of a measurement: the blank behind it, or the text's end. A blank between a number and its unit name belongs
+// The end of a measurement: the blank after it, or the text's end. A blank between a number and its unit name belongs
 // to the measurement.
 const char *measurementEnd(const char *text)
 {

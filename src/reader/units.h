@@ -9,7 +9,7 @@
 
 inline constexpr int32_t twipsPerInch = 1440;
 
-// Twips per unit of the measurement, by the unit name behind its number; inches when there is none or none that is
+// Twips per unit of the measurement, by the unit name after its number; inches when there is none or none that is
 // known.
 int32_t mifSetTwipsPerUnit(const char *text);
 
@@ -37,7 +37,7 @@ class MifMeasurementList
 public:
     explicit MifMeasurementList(const char *value);
 
-    // The next measurement in twips; 0 behind the last one.
+    // The next measurement in twips; 0 after the last one.
     int32_t next();
 
 private:

@@ -1,5 +1,5 @@
 // Text looked at eight bytes at a time. Marks are the highest bits of the bytes that were looked for; the first mark is
-// exact, those behind it are not. What is loaded must be readable to the word's end, as the source buffer is.
+// exact, those after it are not. What is loaded must be readable to the word's end, as the source buffer is.
 #ifndef MIFREADER_SRC_READER_WORDS_H
 #define MIFREADER_SRC_READER_WORDS_H
 

@@ -30,7 +30,7 @@ struct MifTableState {
     int32_t columnCount;       // of the current table; may be more than widths were allocated
     int32_t allocatedColumns;  // the size of columnWidths
     int32_t *columnWidths;     // what a row layout carries; owned, null for none
-    int32_t widthsSet;         // of the first columns, which have one; those behind may have one too
+    int32_t widthsSet;         // of the first columns, which have one; later ones may have one too
     uint32_t rowLayoutPending; // the widths are complete; the next start tag inside a row writes the layout
     uint32_t autoSizeSeen;     // the table gives its widths as minimum and maximum
     int32_t equalWidth;        // the largest maximum among the columns to be equalized

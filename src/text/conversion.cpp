@@ -59,7 +59,7 @@ constexpr std::array<CharCode, 87> MifCharCodeTable = {{
 
 static_assert(std::is_sorted(MifCharCodeTable.begin(), MifCharCodeTable.end(), codePrecedes));
 
-// Converts the escape whose backslash is at `read`, writing its byte at `write`. Returns the first character behind it.
+// Converts the escape whose backslash is at `read`, writing its byte at `write`. Returns the first character after it.
 char *convertEscape(MifContext *context, char *read, char *&write)
 {
     char byte = '\0';
@@ -81,7 +81,7 @@ char *convertEscape(MifContext *context, char *read, char *&write)
         }
         break;
     case 'x':
-        // Two code characters and the blank behind them, whatever it is. Without both characters there is no code, and
+        // Two code characters and the blank after them, whatever it is. Without both characters there is no code, and
         // nothing is left of the text.
         if (read[2] == '\0' || read[3] == '\0') {
             return read + strlen(read);

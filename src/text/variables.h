@@ -12,7 +12,7 @@ int mifVariableName(MifContext *context);
 int mifVariableDef(MifContext *context);
 
 // Removes the building blocks from the zero-terminated text, in place. Returns its new length. A `<` without a `>`
-// behind it begins no block.
+// after it begins no block.
 size_t mifProcessEmbeddedVariables(char *text);
 
 void mifFreeVariables(MifContext *context);

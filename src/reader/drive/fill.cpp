@@ -41,7 +41,7 @@ bool prepareStretch(MifContext *context)
     if (mifReadSourceFile(context) != 0) {
         return true;
     }
-    // Nor is anything read later, behind a read that failed or behind a table without an end, whose replay has read the
+    // Nor is anything read later, after a read that failed or after a table without an end, whose replay has read the
     // rest of the document. A step that was to be completed by that read meets the document's end.
     MifSourceState &source = context->source;
     context->replay.readingStretch = 0;

@@ -65,15 +65,15 @@ enum class Step {
     fail  // stop, and the document with it
 };
 
-// One run over the stretch. Each step begins at the scan position and leaves it behind what it has taken up.
+// One run over the stretch. Each step begins at the scan position and leaves it after what it has taken up.
 //
 // The open statements are a stack of nodes. A start tag pushes one, which holds the statement's row and, once it is
-// found, the statement's value; the next step is either the `>` behind that value or the `<` of a nested statement,
+// found, the statement's value; the next step is either the `>` after that value or the `<` of a nested statement,
 // which takes the value away from the one around it. At a `>` the innermost statement's handler runs while its node is
 // still on the stack, since that is where it finds its value, and the node is popped. So inner statements are carried
 // out before those around them, and a handler learns what it stands in from the flags that the open statements have
 // raised. The stack lives in the context and outlasts stretches and calls: a step that the stretch cuts is taken back
-// whole, its node and its flag included, and comes again with more text behind it. A replayed table's statements are
+// whole, its node and its flag included, and comes again with more text after it. A replayed table's statements are
 // pushed on top of those of the text that anchors it.
 class Scan
 {
@@ -131,7 +131,7 @@ Step Scan::step()
     if (*source_.scanPosition == '<') { // these two are most steps
         return startTag();
     }
-    if (*source_.scanPosition == '>') { // of the document, or the one behind the text
+    if (*source_.scanPosition == '>') { // of the document, or the one after the text
         return source_.scanPosition != source_.bufferEnd ? endTag() : Step::stop;
     }
     switch (*source_.scanPosition) {
@@ -250,7 +250,7 @@ Step Scan::value(char *cursor)
     }
 }
 
-// Behind a backquote only a `>` ends the value, and not one with a backslash before it. The quote's own end ends
+// After a backquote only a `>` ends the value, and not one with a backslash before it. The quote's own end ends
 // nothing.
 Step Scan::quotedValue(char *cursor)
 {
@@ -263,7 +263,7 @@ Step Scan::quotedValue(char *cursor)
     return undoStartTag();
 }
 
-// The end tag, which is the next step, stands right behind its value.
+// The end tag, which is the next step, stands right after its value.
 Step Scan::closeValue(char *close)
 {
     MifStatement *statement = context_->scanner.statementStack;

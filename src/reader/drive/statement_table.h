@@ -28,7 +28,7 @@ extern const MifStatementEntry mifUnsupportedStatement;
 // The row of a name, mifUnsupportedStatement for a name that has none. A zero byte ends what counts of the name.
 const MifStatementEntry &mifLookUpStatement(const MifContext *context, std::string_view name);
 
-// The same for a name in the source buffer, which the margin behind the buffer allows to load whole. Names come again
+// The same for a name in the source buffer, which the margin after the buffer allows to load whole. Names come again
 // and again: those met before are known by their two words, without a hash over their bytes and without a comparison of
 // them.
 inline const MifStatementEntry &mifFindStatement(MifContext *context, const char *name, const char *end)

@@ -1,4 +1,4 @@
-// Leaving the text flow for a table's text, and coming back behind the table's anchor.
+// Leaving the text flow for a table's text, and coming back after the table's anchor.
 #ifndef MIFREADER_SRC_READER_DRIVE_SUSPENSION_H
 #define MIFREADER_SRC_READER_DRIVE_SUSPENSION_H
 
