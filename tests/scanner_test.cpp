@@ -149,12 +149,11 @@ TEST(FillCycle, Header)
 // Nine tenths of the largest ones do not fit in 32 bits when they are formed.
 TEST(FillCycle, BuffersOfUpToFourGigabytes)
 {
-    if (sizeof(void *) < 8) {
-        GTEST_SKIP() << "there is no room for them";
-    }
     const size_t reserved = UINT32_MAX;
     void *buffer = mmap(nullptr, reserved, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    ASSERT_NE(buffer, MAP_FAILED);
+    if (buffer == MAP_FAILED) {
+        GTEST_SKIP() << "there is no room for one, as on a machine of 32 bits";
+    }
     for (const uint32_t size : {477'218'588U, 477'218'589U, UINT32_MAX}) {
         TestHost host(documentOf("<String `a'>"));
         MifContext *context = host.open();
