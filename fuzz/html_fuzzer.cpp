@@ -9,7 +9,7 @@
 #include "mifhost/error.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
-#include "mifread/html_writer.h"
+#include "mifconvert/html_writer.h"
 
 namespace miffuzz
 {
@@ -68,7 +68,7 @@ std::string page(Bytes bytes, bool takesOften)
         taken += out;
         out.clear();
     };
-    mifread::HtmlWriter writer(
+    mifconvert::HtmlWriter writer(
         "a & b.mif", fonts, charset, [&](const mifhost::Frame &) { out += shownFrame; }, out);
     writeTokens(bytes, [&](const mifhost::Token &token) {
         writer.write(token);

@@ -6,7 +6,7 @@
 #include "mifhost/error.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
-#include "mifread/token_listing.h"
+#include "mifconvert/token_listing.h"
 
 namespace miffuzz
 {
@@ -30,7 +30,7 @@ template <typename Next>
 std::string list(mifhost::TokenDecoder &decoder, Next next)
 {
     const mifhost::FontRegistry fonts;
-    mifread::TokenListing listing(fonts);
+    mifconvert::TokenListing listing(fonts);
     std::string lines;
     try {
         while (const mifhost::Token *token = next(decoder)) {

@@ -11,12 +11,12 @@
 
 #include <gtest/gtest.h>
 
+#include "mifconvert/base64.h"
+#include "mifconvert/html_text.h"
+#include "mifconvert/html_writer.h"
 #include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
-#include "mifread/base64.h"
-#include "mifread/html_text.h"
-#include "mifread/html_writer.h"
 #include "mifreader/host.h"
 
 using namespace mifhost;
@@ -47,7 +47,7 @@ std::string pageOf(const std::vector<Token> &tokens, const std::string &name = "
     announce(fonts, "Caf\xe9 </style>\"';}\x01", MIF_FONT_CLASS_SCRIPT);
     Windows1252 charset;
     std::string page;
-    mifread::HtmlWriter writer(
+    mifconvert::HtmlWriter writer(
         name, fonts, charset, [&page](const Frame &frame) { page.append("[").append(frame.id).append("]"); }, page);
     for (const Token &token : tokens) {
         writer.write(token);
@@ -102,8 +102,8 @@ TEST(Html, TextIsNeverMarkup)
               "<p style=\"font-family:'Caf\u00e9 \\3c \\2f style\\3e \\22 \\27 \\3b \\7d \\2401 ',cursive;"
               "font-size:10pt\">x</p>\n");
     const auto titleOf = [](const std::string &name) { return between(pageOf({}, name), "<title>", "</title>"); };
-    EXPECT_EQ(titleOf("/a b/</title>\xc3\xa9.mif"), "title&gt;\u00e9.mif");
-    EXPECT_EQ(titleOf("<b>\x01\xff\xc3"), "&lt;b&gt;\u2401\uFFFD\uFFFD");
+    EXPECT_EQ(titleOf("a b</title>\xC3\xA9.mif"), "a b&lt;/title&gt;\u00e9.mif");
+        EXPECT_EQ(titleOf("<b>\x01\xff\xc3"), "&lt;b&gt;\u2401\uFFFD\uFFFD");
     EXPECT_EQ(titleOf(""), "MIF");
 }
 
@@ -288,14 +288,14 @@ TEST(Html, Base64)
     const std::vector<std::string> codes = {"", "YQ==", "YW4=", "YW55", "YW55IA=="};
     for (std::size_t size = 0; size < codes.size(); ++size) {
         std::string out;
-        mifread::Base64Encoder encoder;
+        mifconvert::Base64Encoder encoder;
         encoder.append(bytes.first(size), out);
         encoder.finish(out);
         EXPECT_EQ(out, codes[size]);
     }
     for (std::size_t block = 1; block < bytes.size(); ++block) {
         std::string out = "=";
-        mifread::Base64Encoder encoder;
+        mifconvert::Base64Encoder encoder;
         for (std::size_t at = 0; at < bytes.size(); at += block) {
             encoder.append(bytes.subspan(at, std::min(block, bytes.size() - at)), out);
         }

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include "mifconvert/token_listing.h"
 #include "mifhost/error.h"
 #include "mifhost/token.h"
-#include "mifread/token_listing.h"
 #include "mifreader/tokens.h"
 
 namespace miftest
@@ -466,7 +466,7 @@ std::string documentOf(const std::string &flow)
 std::string listing(const Conversion &conversion)
 {
     std::string lines;
-    mifread::TokenListing tokens(conversion.fonts);
+    mifconvert::TokenListing tokens(conversion.fonts);
     mifhost::TokenDecoder decoder;
     decoder.decode({reinterpret_cast<const uint8_t *>(conversion.stream.data()), conversion.stream.size()});
     try {

@@ -2,7 +2,7 @@
 #include "conversion.h"
 #include "info_document.h"
 #include "info_report.h"
-#include "json_text.h"
+#include "mifconvert/json_text.h"
 
 namespace mifread
 {
@@ -11,7 +11,7 @@ Command infoCommand(bool asJson)
 {
     const auto convert = [asJson](Conversion &conversion) {
         const DocumentInfo info = inspect(conversion);
-        conversion.text() += asJson ? dumpJson(infoJson(info)) + '\n' : infoText(info);
+        conversion.text() += asJson ? mifconvert::dumpJson(infoJson(info)) + '\n' : infoText(info);
     };
     return {.convert = convert, .extension = asJson ? ".info.json" : ".info.txt"};
 }

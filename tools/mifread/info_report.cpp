@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "token_names.h"
+#include "mifconvert/token_names.h"
 
 namespace mifread
 {
@@ -102,9 +102,9 @@ private:
 void addTokens(const DocumentInfo &info, Rows &rows)
 {
     std::vector<std::string> counts;
-    for (std::size_t kind = 0; kind < tokenNames.size(); ++kind) {
+    for (std::size_t kind = 0; kind < mifconvert::tokenNames.size(); ++kind) {
         if (info.tokens[kind] > 0) {
-            counts.push_back(fmt::format("{} {}", info.tokens[kind], tokenNames[kind]));
+            counts.push_back(fmt::format("{} {}", info.tokens[kind], mifconvert::tokenNames[kind]));
         }
     }
     rows.addList("tokens", counts);
@@ -174,8 +174,8 @@ std::string infoText(const DocumentInfo &info)
 Json infoJson(const DocumentInfo &info)
 {
     Json tokens = Json::object();
-    for (std::size_t kind = 0; kind < tokenNames.size(); ++kind) {
-        tokens[std::string(tokenNames[kind])] = info.tokens[kind];
+    for (std::size_t kind = 0; kind < mifconvert::tokenNames.size(); ++kind) {
+        tokens[std::string(mifconvert::tokenNames[kind])] = info.tokens[kind];
     }
     Json fonts = Json::array();
     for (const FontInfo &font : info.fonts) {

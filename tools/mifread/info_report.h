@@ -5,10 +5,12 @@
 #include <string>
 
 #include "info_document.h"
-#include "json_text.h"
+#include "mifconvert/json_text.h"
 
 namespace mifread
 {
+
+using mifconvert::Json;
 
 // For people: some lines, the first one the document's name.
 std::string infoText(const DocumentInfo &info);

@@ -9,7 +9,7 @@
 #include "command.h"
 #include "conversion.h"
 #include "file_type.h"
-#include "json_lines.h"
+#include "mifconvert/json_lines.h"
 #include "mifhost/error.h"
 #include "object_data.h"
 
@@ -36,7 +36,7 @@ private:
 
     Conversion &conversion_;
     bool withObjects_;
-    JsonLines lines_;
+    mifconvert::JsonLines lines_;
     std::set<std::string, std::less<>> written_; // identifiers of objects
 };
 

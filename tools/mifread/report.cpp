@@ -2,11 +2,13 @@
 
 #include <string_view>
 
-#include "json_text.h"
+#include "mifconvert/json_text.h"
 #include <fmt/format.h>
 
 namespace mifread
 {
+
+using mifconvert::Json;
 
 namespace
 {
@@ -61,7 +63,7 @@ void Report::add(const Outcome &outcome)
         entry["position"] = *outcome.position;
     }
     file_->text() += isFirst ? "\n" : ",\n";
-    file_->text() += dumpJson(entry);
+    file_->text() += mifconvert::dumpJson(entry);
     file_->writeFullBlocks();
 }
 
@@ -71,8 +73,8 @@ void Report::finish(int exitCode, int signal)
         return;
     }
     const Json counts = {{"converted", converted_}, {"losses", lossy_}, {"failed", failures_.size()}};
-    file_->text() += fmt::format("\n], \"counts\": {}, \"interrupted\": {}, \"exitCode\": {}}}\n", dumpJson(counts),
-                                 signal != 0, exitCode);
+    file_->text() += fmt::format("\n], \"counts\": {}, \"interrupted\": {}, \"exitCode\": {}}}\n",
+                                 mifconvert::dumpJson(counts), signal != 0, exitCode);
     file_->commit();
 }
 

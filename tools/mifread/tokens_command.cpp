@@ -1,5 +1,5 @@
 #include "command.h"
-#include "token_listing.h"
+#include "mifconvert/token_listing.h"
 
 namespace mifread
 {
@@ -9,7 +9,7 @@ namespace
 
 void listTokens(Conversion &conversion)
 {
-    TokenListing listing(conversion.document().fonts());
+    mifconvert::TokenListing listing(conversion.document().fonts());
     while (const mifhost::Token *token = conversion.next()) {
         listing.append(*token, conversion.text());
     }

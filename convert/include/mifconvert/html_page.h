@@ -1,6 +1,6 @@
 // The page as a whole: its geometry and its head.
-#ifndef MIFREAD_HTML_PAGE_H
-#define MIFREAD_HTML_PAGE_H
+#ifndef MIFCONVERT_HTML_PAGE_H
+#define MIFCONVERT_HTML_PAGE_H
 
 #include <cstdint>
 #include <string>
@@ -8,7 +8,7 @@
 
 #include "mifhost/token.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // The least width that margins and indents leave for text, in twips.
@@ -41,12 +41,12 @@ Column columnOf(const PageLayout &page);
 
 // Appends the page from its beginning to the start tag of its body.
 //
-// name  the document's file
-void appendPageHead(std::string_view name, const PageLayout &page, std::string &out);
+// title  in UTF-8
+void appendPageHead(std::string_view title, const PageLayout &page, std::string &out);
 
 // Appends the page's end.
 void appendPageEnd(std::string &out);
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

@@ -1,15 +1,15 @@
 // Formats of the document as the tags of a page.
-#ifndef MIFREAD_HTML_STYLE_H
-#define MIFREAD_HTML_STYLE_H
+#ifndef MIFCONVERT_HTML_STYLE_H
+#define MIFCONVERT_HTML_STYLE_H
 
 #include <cstdint>
 #include <string>
 
-#include "html_fonts.h"
-#include "html_page.h"
+#include "mifconvert/html_fonts.h"
+#include "mifconvert/html_page.h"
 #include "mifhost/token.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // Where a paragraph's lines begin and end, in twips from the left edge of the column.
@@ -56,6 +56,6 @@ void appendParagraphTag(const ParagraphFormat &format, const Column &column, Fon
 // Appends the start tag of a run in a paragraph whose characters have another format.
 void appendRunTag(const CharacterFormat &run, const CharacterFormat &paragraph, FontStyles &fonts, std::string &out);
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

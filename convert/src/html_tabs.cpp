@@ -1,12 +1,12 @@
-#include "html_tabs.h"
+#include "mifconvert/html_tabs.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
 
-#include "html_text.h"
+#include "mifconvert/html_text.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -243,4 +243,4 @@ bool TabLine::anyStopBeyond(std::int64_t position) const
     return takeStop(stopBeyond(position), position).has_value();
 }
 
-} // namespace mifread
+} // namespace mifconvert

@@ -1,6 +1,6 @@
 // Fonts of a page: what stands in for the document's fonts, and how wide their text is about.
-#ifndef MIFREAD_HTML_FONTS_H
-#define MIFREAD_HTML_FONTS_H
+#ifndef MIFCONVERT_HTML_FONTS_H
+#define MIFCONVERT_HTML_FONTS_H
 
 #include <cstdint>
 #include <string>
@@ -10,7 +10,7 @@
 #include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 enum class FontShape : std::uint8_t { Serif, Sans, Mono };
@@ -62,6 +62,6 @@ void appendFontRules(std::string &out);
 // size   in points, as pageFontSize() returns it
 std::int64_t estimateWidth(std::string_view bytes, FontShape shape, std::uint32_t size);
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

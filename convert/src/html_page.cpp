@@ -1,15 +1,14 @@
-#include "html_page.h"
+#include "mifconvert/html_page.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include <fmt/format.h>
 
-#include "html_fonts.h"
-#include "html_text.h"
-#include "paths.h"
+#include "mifconvert/html_fonts.h"
+#include "mifconvert/html_text.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -143,13 +142,12 @@ Column columnOf(const PageLayout &page)
     return {page.width - page.leftMargin - page.rightMargin, page.leftMargin, page.rightMargin};
 }
 
-void appendPageHead(std::string_view name, const PageLayout &page, std::string &out)
+void appendPageHead(std::string_view title, const PageLayout &page, std::string &out)
 {
     out += "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n";
     out.append("<meta http-equiv=\"Content-Security-Policy\" content=\"").append(securityPolicy).append("\">\n");
     out += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>";
-    const std::string file = textOf(pathOf(name).filename());
-    appendHtmlName(file.empty() ? "MIF" : file, out);
+    appendHtmlName(title.empty() ? "MIF" : title, out);
     out += "</title>\n<style>\n";
     appendFontRules(out);
     out += commonRules;
@@ -163,4 +161,4 @@ void appendPageEnd(std::string &out)
     out += "</body>\n</html>\n";
 }
 
-} // namespace mifread
+} // namespace mifconvert

@@ -1,6 +1,6 @@
 // The token stream as JSON Lines: one object a line, its type and then its fields, in UTF-8.
-#ifndef MIFREAD_JSON_LINES_H
-#define MIFREAD_JSON_LINES_H
+#ifndef MIFCONVERT_JSON_LINES_H
+#define MIFCONVERT_JSON_LINES_H
 
 #include <cstdint>
 #include <span>
@@ -8,13 +8,13 @@
 #include <string_view>
 #include <vector>
 
-#include "base64.h"
-#include "font_introductions.h"
+#include "mifconvert/base64.h"
+#include "mifconvert/font_introductions.h"
 #include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // Writes the lines of one document.
@@ -55,6 +55,6 @@ private:
     std::uint64_t objectSize_ = 0; // bytes of the open object so far
 };
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

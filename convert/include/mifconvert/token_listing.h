@@ -1,14 +1,14 @@
 // The token stream as text: one token a line, its name and then its fields, in ASCII.
-#ifndef MIFREAD_TOKEN_LISTING_H
-#define MIFREAD_TOKEN_LISTING_H
+#ifndef MIFCONVERT_TOKEN_LISTING_H
+#define MIFCONVERT_TOKEN_LISTING_H
 
 #include <string>
 
-#include "font_introductions.h"
+#include "mifconvert/font_introductions.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // Lists the tokens of one document. A line that begins with '#' is no token; it tells a font's name before the font is
@@ -26,6 +26,6 @@ private:
     FontIntroductions fonts_;
 };
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

@@ -1,4 +1,4 @@
-#include "html_fonts.h"
+#include "mifconvert/html_fonts.h"
 
 #include <algorithm>
 #include <array>
@@ -8,10 +8,10 @@
 
 #include <fmt/format.h>
 
-#include "html_text.h"
+#include "mifconvert/html_text.h"
 #include "mifreader/host.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -205,4 +205,4 @@ std::int64_t estimateWidth(std::string_view bytes, FontShape shape, std::uint32_
     return thousandths * size * twipsToThePoint / 1000;
 }
 
-} // namespace mifread
+} // namespace mifconvert

@@ -1,4 +1,4 @@
-#include "html_text.h"
+#include "mifconvert/html_text.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -151,4 +151,4 @@ void appendPoints(std::int64_t twips, std::string &out, std::string_view unit)
     fmt::format_to(std::back_inserter(out), "{}{}", static_cast<double>(twips) / twipsToThePoint, unit);
 }
 
-} // namespace mifread
+} // namespace mifconvert

@@ -1,6 +1,6 @@
 // Text of a document made safe for the places of a page where it stands.
-#ifndef MIFREAD_HTML_TEXT_H
-#define MIFREAD_HTML_TEXT_H
+#ifndef MIFCONVERT_HTML_TEXT_H
+#define MIFCONVERT_HTML_TEXT_H
 
 #include <algorithm>
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 #include "mifhost/charset.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // The largest size that a page states, in twips: 22 inches. Documents can state anything.
@@ -38,6 +38,6 @@ void appendCssString(std::string_view bytes, mifhost::Windows1252 &charset, std:
 // Appends a measure in twips as CSS points, such as "50.35pt".
 void appendPoints(std::int64_t twips, std::string &out, std::string_view unit = "pt");
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

@@ -1,22 +1,22 @@
 // A document as a page.
-#ifndef MIFREAD_HTML_WRITER_H
-#define MIFREAD_HTML_WRITER_H
+#ifndef MIFCONVERT_HTML_WRITER_H
+#define MIFCONVERT_HTML_WRITER_H
 
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "html_fonts.h"
-#include "html_page.h"
-#include "html_style.h"
-#include "html_table.h"
-#include "html_tabs.h"
+#include "mifconvert/html_fonts.h"
+#include "mifconvert/html_page.h"
+#include "mifconvert/html_style.h"
+#include "mifconvert/html_table.h"
+#include "mifconvert/html_tabs.h"
 #include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // Writes the tokens of one document as one page that looks like it. Tokens may come in any order. What is kept back
@@ -27,14 +27,14 @@ public:
     // Appends what shows a frame to the output: elements that may stand in a line of text.
     using ShowFrame = std::function<void(const mifhost::Frame &)>;
 
-    // name       the document's file
+    // title      of the page, in UTF-8: the name of the document's file, as a rule
     // fonts      the document's fonts
     // charset    converts the document's text
     // showFrame  called for each frame, perhaps some tokens later
     // out        what the page is appended to
     // Fonts, charset and out must live as long as the writer.
-    HtmlWriter(std::string name, const mifhost::FontRegistry &fonts, mifhost::Windows1252 &charset, ShowFrame showFrame,
-               std::string &out);
+    HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::Windows1252 &charset,
+               ShowFrame showFrame, std::string &out);
 
     // Appends what the token adds to the page.
     void write(const mifhost::Token &token);
@@ -81,7 +81,7 @@ private:
     void closeRun();
     Column currentColumn() const;
 
-    std::string name_;
+    std::string title_;
     mifhost::Windows1252 &charset_;
     ShowFrame showFrame_;
     std::string &out_;
@@ -109,6 +109,6 @@ private:
     bool lineBreakPending_ = false; // the next token tells what it is
 };
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

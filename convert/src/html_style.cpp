@@ -1,4 +1,4 @@
-#include "html_style.h"
+#include "mifconvert/html_style.h"
 
 #include <algorithm>
 #include <array>
@@ -7,9 +7,9 @@
 
 #include <fmt/format.h>
 
-#include "html_text.h"
+#include "mifconvert/html_text.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -152,4 +152,4 @@ void appendRunTag(const CharacterFormat &run, const CharacterFormat &paragraph, 
     attributes.end();
 }
 
-} // namespace mifread
+} // namespace mifconvert

@@ -1,11 +1,11 @@
-#include "html_table.h"
+#include "mifconvert/html_table.h"
 
 #include <algorithm>
 #include <numeric>
 
-#include "html_text.h"
+#include "mifconvert/html_text.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -97,4 +97,4 @@ void HtmlTable::end()
     columnWidths_.clear();
 }
 
-} // namespace mifread
+} // namespace mifconvert

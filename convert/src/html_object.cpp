@@ -1,22 +1,15 @@
-#include "html_frame.h"
+#include "mifconvert/html_object.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <iterator>
-#include <span>
-#include <string>
-#include <string_view>
 
 #include <fmt/format.h>
 
-#include "base64.h"
-#include "file_type.h"
-#include "html_style.h"
-#include "html_text.h"
-#include "object_data.h"
+#include "mifconvert/html_style.h"
+#include "mifconvert/html_text.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -75,71 +68,36 @@ void appendSize(const mifhost::Frame &frame, std::string &out)
     out += '"';
 }
 
-// Appends a frame's element while its object is read.
-class FrameWriter
+} // namespace
+
+HtmlObject::HtmlObject(const mifhost::Frame &frame, std::string_view mimeType, std::string_view extension,
+                       std::string &out)
+    : out_(out)
 {
-public:
-    FrameWriter(const mifhost::Frame &frame, std::string &out) : frame_(frame), name_(safeName(frame.id)), out_(out) {}
-
-    // Takes the object's next block; the first one tells the type.
-    void add(std::span<const std::uint8_t> block);
-
-    // Ends the element.
-    void finish();
-
-private:
-    void begin(const FileType &type);
-
-    const mifhost::Frame &frame_;
-    std::string name_;
-    std::string &out_;
-    std::string end_; // of the element, once it is begun
-    Base64Encoder encoder_;
-};
-
-void FrameWriter::add(std::span<const std::uint8_t> block)
-{
-    if (end_.empty()) {
-        begin(identifyFile(block));
+    const std::string_view picture = pictureTypeOf(mimeType);
+    const std::string name = safeName(frame.id);
+    const bool alone = standsAlone(frame);
+    if (!picture.empty()) {
+        fmt::format_to(std::back_inserter(out), "<img{} alt=\"{}.{}\"", alone ? " class=\"alone\"" : "", name,
+                       extension);
+        appendSize(frame, out);
+        fmt::format_to(std::back_inserter(out), " src=\"data:{};base64,", picture);
+        end_ = "\">";
+        return;
     }
-    encoder_.append(block, out_);
+    fmt::format_to(std::back_inserter(out), "<a class=\"object{}\" download=\"{}.{}\"", alone ? " alone" : "", name,
+                   extension);
+    appendSize(frame, out);
+    out += " href=\"data:application/octet-stream;base64,";
+    end_ = "\">";
+    appendHtmlName(mimeType, end_);
+    end_ += "</a>";
 }
 
-void FrameWriter::finish()
+void HtmlObject::finish()
 {
     encoder_.finish(out_);
     out_ += end_;
 }
 
-void FrameWriter::begin(const FileType &type)
-{
-    const std::string_view picture = pictureTypeOf(type.mimeType);
-    const bool alone = standsAlone(frame_);
-    if (!picture.empty()) {
-        fmt::format_to(std::back_inserter(out_), "<img{} alt=\"{}.{}\"", alone ? " class=\"alone\"" : "", name_,
-                       type.extension);
-        appendSize(frame_, out_);
-        fmt::format_to(std::back_inserter(out_), " src=\"data:{};base64,", picture);
-        end_ = "\">";
-        return;
-    }
-    fmt::format_to(std::back_inserter(out_), "<a class=\"object{}\" download=\"{}.{}\"", alone ? " alone" : "", name_,
-                   type.extension);
-    appendSize(frame_, out_);
-    out_ += " href=\"data:application/octet-stream;base64,";
-    end_ = "\">";
-    appendHtmlName(type.mimeType, end_);
-    end_ += "</a>";
-}
-
-} // namespace
-
-void writeHtmlFrame(Conversion &conversion, const mifhost::Frame &frame)
-{
-    FrameWriter writer(frame, conversion.text());
-    readObject(conversion, std::string(frame.id),
-               [&writer](std::span<const std::uint8_t> block) { writer.add(block); });
-    writer.finish();
-}
-
-} // namespace mifread
+} // namespace mifconvert

@@ -1,9 +1,9 @@
-#include "base64.h"
+#include "mifconvert/base64.h"
 
 #include <algorithm>
 #include <string_view>
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -60,4 +60,4 @@ void Base64Encoder::finish(std::string &out)
     waiting_ = 0;
 }
 
-} // namespace mifread
+} // namespace mifconvert

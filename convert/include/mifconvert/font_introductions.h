@@ -1,13 +1,13 @@
 // Which fonts the output has told the names of.
-#ifndef MIFREAD_FONT_INTRODUCTIONS_H
-#define MIFREAD_FONT_INTRODUCTIONS_H
+#ifndef MIFCONVERT_FONT_INTRODUCTIONS_H
+#define MIFCONVERT_FONT_INTRODUCTIONS_H
 
 #include <cstdint>
 #include <vector>
 
 #include "mifhost/fonts.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 class FontIntroductions
@@ -36,6 +36,6 @@ private:
     std::vector<bool> isIntroduced_; // by font number
 };
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

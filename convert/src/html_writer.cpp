@@ -1,13 +1,13 @@
-#include "html_writer.h"
+#include "mifconvert/html_writer.h"
 
 #include <cstddef>
 #include <numeric>
 #include <utility>
 #include <variant>
 
-#include "html_text.h"
+#include "mifconvert/html_text.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -31,9 +31,9 @@ std::int64_t tableStart(const mifhost::TableRow &row, const mifhost::ParaFormat 
 
 } // namespace
 
-HtmlWriter::HtmlWriter(std::string name, const mifhost::FontRegistry &fonts, mifhost::Windows1252 &charset,
+HtmlWriter::HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::Windows1252 &charset,
                        ShowFrame showFrame, std::string &out)
-    : name_(std::move(name)), charset_(charset), showFrame_(std::move(showFrame)), out_(out), fonts_(fonts),
+    : title_(std::move(title)), charset_(charset), showFrame_(std::move(showFrame)), out_(out), fonts_(fonts),
       table_(out), line_(out)
 {
 }
@@ -69,7 +69,7 @@ void HtmlWriter::beginPage(const mifhost::Token *first)
     if (setup != nullptr) {
         page_ = layoutOf(*setup);
     }
-    appendPageHead(name_, page_, out_);
+    appendPageHead(title_, page_, out_);
     pageIsBegun_ = true;
 }
 
@@ -303,4 +303,4 @@ Column HtmlWriter::currentColumn() const
     return table_.isOpen() ? table_.cellColumn() : columnOf(page_);
 }
 
-} // namespace mifread
+} // namespace mifconvert

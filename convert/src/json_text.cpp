@@ -1,4 +1,4 @@
-#include "json_text.h"
+#include "mifconvert/json_text.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -56,4 +56,4 @@ std::string dumpJson(const Json &value)
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-} // namespace mifread
+} // namespace mifconvert

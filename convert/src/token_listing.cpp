@@ -1,4 +1,4 @@
-#include "token_listing.h"
+#include "mifconvert/token_listing.h"
 
 #include <iterator>
 #include <string_view>
@@ -7,9 +7,9 @@
 
 #include <fmt/format.h>
 
-#include "token_names.h"
+#include "mifconvert/token_names.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -139,4 +139,4 @@ void TokenListing::append(const mifhost::Token &token, std::string &out)
     std::visit(Line(out), token);
 }
 
-} // namespace mifread
+} // namespace mifconvert

@@ -1,6 +1,6 @@
 // Base64 encoding.
-#ifndef MIFREAD_BASE64_H
-#define MIFREAD_BASE64_H
+#ifndef MIFCONVERT_BASE64_H
+#define MIFCONVERT_BASE64_H
 
 #include <array>
 #include <cstddef>
@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-namespace mifread
+namespace mifconvert
 {
 
 // Encodes a stream of bytes that comes in blocks of any size.
@@ -26,6 +26,6 @@ private:
     std::size_t waiting_ = 0;             // their number
 };
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

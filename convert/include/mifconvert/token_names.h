@@ -1,6 +1,6 @@
 // What listings call the tokens and the values of their enumerations.
-#ifndef MIFREAD_TOKEN_NAMES_H
-#define MIFREAD_TOKEN_NAMES_H
+#ifndef MIFCONVERT_TOKEN_NAMES_H
+#define MIFCONVERT_TOKEN_NAMES_H
 
 #include <array>
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 #include "mifhost/token.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // In the order of the enumerations' values, and of the alternatives of mifhost::Token.
@@ -29,6 +29,6 @@ constexpr std::string_view nameOf(const Names &names, Enum value)
     return names[static_cast<std::size_t>(value)];
 }
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

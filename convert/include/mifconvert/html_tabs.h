@@ -1,6 +1,6 @@
 // Tab stops in a page, which knows none: what stands before a tab gets a box that is as wide as the tab reaches.
-#ifndef MIFREAD_HTML_TABS_H
-#define MIFREAD_HTML_TABS_H
+#ifndef MIFCONVERT_HTML_TABS_H
+#define MIFCONVERT_HTML_TABS_H
 
 #include <cstddef>
 #include <cstdint>
@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
-#include "html_style.h"
+#include "mifconvert/html_style.h"
 #include "mifhost/token.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // One line of a paragraph after the other, a line ending at a line break of the document. The text between two tabs is
@@ -88,6 +88,6 @@ private:
     std::int64_t narrowStart_ = 0; // start_, in a window that shrinks measures to the half
 };
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

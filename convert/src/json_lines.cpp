@@ -1,4 +1,4 @@
-#include "json_lines.h"
+#include "mifconvert/json_lines.h"
 
 #include <iterator>
 #include <utility>
@@ -6,10 +6,10 @@
 
 #include <fmt/format.h>
 
-#include "json_text.h"
-#include "token_names.h"
+#include "mifconvert/json_text.h"
+#include "mifconvert/token_names.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 namespace
@@ -162,4 +162,4 @@ void JsonLines::end(std::string_view status, const std::vector<std::string> &mes
     out_ += dumpJson({{"type", "end"}, {"status", status}, {"messages", messages}}) + '\n';
 }
 
-} // namespace mifread
+} // namespace mifconvert

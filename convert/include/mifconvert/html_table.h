@@ -1,6 +1,6 @@
 // Tables of a page.
-#ifndef MIFREAD_HTML_TABLE_H
-#define MIFREAD_HTML_TABLE_H
+#ifndef MIFCONVERT_HTML_TABLE_H
+#define MIFCONVERT_HTML_TABLE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "html_page.h"
+#include "mifconvert/html_page.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // Fills the grid of one table after the other with cells. A row is full after as many cells as there are columns.
@@ -54,6 +54,6 @@ private:
     bool cellIsOpen_ = false;
 };
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif

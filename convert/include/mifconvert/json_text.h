@@ -1,6 +1,6 @@
 // Strings and values of JSON.
-#ifndef MIFREAD_JSON_TEXT_H
-#define MIFREAD_JSON_TEXT_H
+#ifndef MIFCONVERT_JSON_TEXT_H
+#define MIFCONVERT_JSON_TEXT_H
 
 #include <string>
 #include <string_view>
@@ -9,7 +9,7 @@
 
 #include "mifhost/charset.h"
 
-namespace mifread
+namespace mifconvert
 {
 
 // Appends a document's text, bytes of Windows-1252, to out as a JSON string with its quotes, in UTF-8.
@@ -21,6 +21,6 @@ using Json = nlohmann::ordered_json;
 // The value on one line. Its strings may hold any bytes, as paths do: what is not UTF-8 in them becomes U+FFFD.
 std::string dumpJson(const Json &value);
 
-} // namespace mifread
+} // namespace mifconvert
 
 #endif
