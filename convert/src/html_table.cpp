@@ -8,13 +8,6 @@
 namespace mifconvert
 {
 
-namespace
-{
-
-constexpr std::int32_t cellPadding = 60; // twips on either side, as in the style sheet
-
-} // namespace
-
 void HtmlTable::begin(std::span<const std::int32_t> columnWidths, std::int64_t left, const Column &column)
 {
     columnWidths_.resize(std::max<std::size_t>(columnWidths.size(), 1));

@@ -18,9 +18,6 @@ constexpr std::string_view leftBox = "tl";
 // More than any text before a tab in earnest.
 constexpr std::size_t largestHeldText = std::size_t{8} * 1024;
 
-// In a narrow window the style sheet shrinks neither text nor lengths up to this one, in twips.
-constexpr std::int64_t leastShrunk = 480;
-
 // The most that the style sheet leaves behind text before a tab, in common sizes, in twips.
 constexpr std::int64_t gap = 60;
 

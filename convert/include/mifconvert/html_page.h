@@ -11,6 +11,10 @@
 namespace mifconvert
 {
 
+// Measures that the style sheet has too, in twips.
+constexpr std::int32_t cellPadding = 60;  // of a table's cell, on either side
+constexpr std::int64_t leastShrunk = 480; // a narrow window shrinks neither text nor lengths up to this one
+
 // The least width that margins and indents leave for text, in twips.
 constexpr std::int32_t leastTextWidth = 1440;
 
