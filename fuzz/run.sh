@@ -8,7 +8,7 @@ seconds=${1:?how many seconds?}
 shift
 [ $# -gt 0 ] || set -- reader objects tokens html
 
-scripts/install-packages.sh clang libclang-rt-14-dev cmake ninja-build libfmt-dev
+scripts/install-packages.sh clang libclang-rt-14-dev cmake ninja-build libfmt-dev nlohmann-json3-dev libutfcpp-dev
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz -- --quiet
 build=build/fuzz

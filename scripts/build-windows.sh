@@ -7,7 +7,7 @@ set -euo pipefail
 cd -- "$(dirname -- "$0")/.."
 
 scripts/install-packages.sh g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix wine64 g++ libgtest-dev \
-    libcli11-dev libfmt-dev libmagic-dev libtbb-dev nlohmann-json3-dev
+    libcli11-dev libfmt-dev libmagic-dev libtbb-dev nlohmann-json3-dev libutfcpp-dev
 
 imports() { sed -n 's/.*DLL Name: //p' "$1" | sort | tr '\n' ' '; }
 

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# cross-dependencies.sh TOOLCHAIN FOLDER: prepares for another machine what the tests need and its distribution does not
-# have ready: GoogleTest, from the sources in Debian's package, and {fmt} as headers alone. For Windows also what the
-# program needs: CLI11 and nlohmann-json as headers, and oneTBB from Debian's source package. FOLDER is to be named in
-# CMAKE_PREFIX_PATH.
+# cross-dependencies.sh TOOLCHAIN FOLDER: prepares for another machine what the writers and the tests need and its
+# distribution does not have ready: GoogleTest, from the sources in Debian's package, and {fmt}, nlohmann-json and utf8cpp
+# as headers alone. For Windows also what the program needs: CLI11 as headers, and oneTBB from Debian's source package.
+# FOLDER is to be named in CMAKE_PREFIX_PATH.
 set -euo pipefail
 toolchain=$(realpath -- "$1")
 mkdir -p "$2"
 folder=$(realpath -- "$2")
 install_packages=$(realpath -- "$(dirname -- "$0")/install-packages.sh")
 
-"$install_packages" cmake ninja-build googletest libfmt-dev
+"$install_packages" cmake ninja-build googletest libfmt-dev nlohmann-json3-dev libutfcpp-dev
 
 # cross_build SOURCE BUILD OPTION...: builds a library and installs it into the folder.
 cross_build() {
@@ -45,12 +45,13 @@ if [ ! -e "$folder/lib/cmake/GTest" ]; then
     cross_build /usr/src/googletest "$folder/build" -DBUILD_GMOCK=OFF
 fi
 header_library fmt fmt::fmt fmt FMT_HEADER_ONLY
+header_library nlohmann_json nlohmann_json::nlohmann_json nlohmann
+header_library utf8cpp utf8cpp utf8cpp
 
 grep -q 'SYSTEM_NAME Windows' "$toolchain" || exit 0
 
-"$install_packages" libcli11-dev nlohmann-json3-dev dpkg-dev
+"$install_packages" libcli11-dev dpkg-dev
 header_library CLI11 CLI11::CLI11 CLI
-header_library nlohmann_json nlohmann_json::nlohmann_json nlohmann
 
 if [ ! -e "$folder/lib/cmake/TBB" ]; then
     mkdir -p "$folder/source"

@@ -4,7 +4,7 @@
 set -euo pipefail
 cd -- "$(dirname -- "$0")/.."
 
-scripts/install-packages.sh g++ cmake ninja-build libcli11-dev libfmt-dev libmagic-dev nlohmann-json3-dev libtbb-dev \
+scripts/install-packages.sh g++ cmake ninja-build libcli11-dev libfmt-dev libmagic-dev nlohmann-json3-dev libutfcpp-dev libtbb-dev \
     dpkg-dev file lintian scdoc
 export LC_ALL=C.UTF-8
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}

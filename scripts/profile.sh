@@ -9,7 +9,7 @@ cd -- "$(dirname -- "$0")/.."
 bytes=${BYTES:-1000000}
 [ $# -gt 0 ] || set -- plain formatted tables objects small
 
-scripts/install-packages.sh g++ cmake ninja-build libbenchmark-dev libexpat1-dev libpugixml-dev valgrind
+scripts/install-packages.sh g++ cmake ninja-build libutfcpp-dev libbenchmark-dev libexpat1-dev libpugixml-dev valgrind
 cmake --preset release -B build/bench -DMIFREADER_BUILD_BENCHMARKS=ON -DMIFREADER_BUILD_TOOLS=OFF \
     -DMIFREADER_BUILD_TESTS=OFF >/dev/null
 cmake --build build/bench --target sample >/dev/null

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include <fmt/format.h>
+#include <utf8cpp/utf8.h>
 
 namespace mifconvert
 {
@@ -15,7 +16,6 @@ namespace
 
 constexpr unsigned firstPicture = 0x2400; // of the control character 0
 constexpr unsigned deletePicture = 0x2421;
-constexpr std::string_view replacement = "\xEF\xBF\xBD"; // U+FFFD
 
 constexpr bool isControl(unsigned char byte)
 {
@@ -76,40 +76,6 @@ void appendEscaped(std::string_view bytes, std::string &out, const AppendRun &ap
     }
 }
 
-// Returns the length of the UTF-8 character that text begins with, 0 when it begins with none.
-std::size_t characterLength(std::string_view text)
-{
-    const auto lead = static_cast<unsigned char>(text.front());
-    if (lead < 0x80) {
-        return 1;
-    }
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
-        return 0;
-    }
-    const auto isTrail = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; };
-    if (!std::all_of(text.begin() + 1, text.begin() + static_cast<std::ptrdiff_t>(length), isTrail)) {
-        return 0;
-    }
-    // Behind some first bytes there are forms that are too long, surrogates, or what lies beyond U+10FFFF.
-    const auto second = static_cast<unsigned char>(text[1]);
-    const bool isTooLow = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
-    const bool isTooHigh = (lead == 0xED && second > 0x9F) || (lead == 0xF4 && second > 0x8F);
-    return isTooLow || isTooHigh ? 0 : length;
-}
-
-// Returns text with every byte replaced that is not part of a UTF-8 character.
-std::string validUtf8(std::string_view text)
-{
-    std::string valid;
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        valid += length > 0 ? text.substr(0, length) : replacement;
-        text.remove_prefix(std::max<std::size_t>(length, 1));
-    }
-    return valid;
-}
-
 bool isPlainInCss(char byte)
 {
     const bool isLetter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
@@ -125,7 +91,8 @@ void appendHtmlText(std::string_view bytes, mifhost::Windows1252 &charset, std::
 
 void appendHtmlName(std::string_view name, std::string &out)
 {
-    const std::string valid = validUtf8(name);
+    std::string valid;
+    utf8::replace_invalid(name.begin(), name.end(), std::back_inserter(valid));
     appendEscaped(valid, out, [&out](std::string_view run) { out += run; });
 }
 

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include <utf8cpp/utf8.h>
+
 namespace mifhost
 {
 
@@ -40,15 +42,10 @@ Windows1252::Windows1252()
     constexpr char16_t replacement = 0xFFFD;
     for (std::size_t i = 0; i < upperHalf_.size(); ++i) {
         const auto character = i < specialCharacters.size() ? specialCharacters[i] : static_cast<char16_t>(0x80 + i);
-        const unsigned code = character != 0 ? character : replacement;
-        const auto last = static_cast<char>(0x80 | (code & 0x3F));
-        if (code < 0x800) {
-            upperHalf_[i] = {{static_cast<char>(0xC0 | code >> 6), last}, 2, false};
-        } else {
-            upperHalf_[i] = {{static_cast<char>(0xE0 | code >> 12), static_cast<char>(0x80 | (code >> 6 & 0x3F)), last},
-                             3,
-                             character == 0};
-        }
+        Encoded &encoded = upperHalf_[i];
+        encoded.undefined = character == 0;
+        const auto *end = utf8::append(encoded.undefined ? replacement : character, encoded.bytes.data());
+        encoded.size = static_cast<std::uint8_t>(end - encoded.bytes.data());
     }
 }
 
