@@ -19,7 +19,7 @@ struct Extension {
 
 constexpr std::string_view unknownExtension = "bin";
 
-// The types of what documents embed. libmagic's own list of extensions lacks some of them.
+// The types of what documents embed, where the system knows no extension or is not to choose among several.
 constexpr std::array extensions = {
     Extension{"application/pdf", "pdf"},
     Extension{"application/postscript", "eps"}, // whole pages of PostScript are not embedded
@@ -38,7 +38,6 @@ constexpr std::array extensions = {
     Extension{"image/png", "png"},
     Extension{"image/svg+xml", "svg"},
     Extension{"image/tiff", "tif"},
-    Extension{"image/vnd.adobe.photoshop", "psd"},
     Extension{"image/vnd.dwg", "dwg"},
     Extension{"image/webp", "webp"},
     Extension{"image/wmf", "wmf"},
@@ -56,11 +55,15 @@ constexpr std::array extensions = {
     Extension{"video/x-msvideo", "avi"},
 };
 
-std::string_view extensionOf(std::string_view mimeType)
+std::string extensionOf(std::string_view mimeType, std::span<const std::uint8_t> beginning)
 {
     const auto *found = std::find_if(extensions.begin(), extensions.end(),
                                      [mimeType](const Extension &row) { return row.mimeType == mimeType; });
-    return found != extensions.end() ? found->extension : unknownExtension;
+    if (found != extensions.end()) {
+        return std::string(found->extension);
+    }
+    std::string extension = detectExtension(beginning);
+    return extension.empty() ? std::string(unknownExtension) : extension;
 }
 
 } // namespace
@@ -68,8 +71,8 @@ std::string_view extensionOf(std::string_view mimeType)
 FileType identifyFile(std::span<const std::uint8_t> beginning)
 {
     std::string mimeType = detectMimeType(beginning);
-    const std::string_view extension = extensionOf(mimeType);
-    return {std::move(mimeType), extension};
+    std::string extension = extensionOf(mimeType, beginning);
+    return {std::move(mimeType), std::move(extension)};
 }
 
 } // namespace mifread

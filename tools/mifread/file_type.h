@@ -5,14 +5,13 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace mifread
 {
 
 struct FileType {
-    std::string mimeType;       // such as "image/png"
-    std::string_view extension; // such as "png"; "bin" for types that have none
+    std::string mimeType;  // such as "image/png"
+    std::string extension; // such as "png"; "bin" for types that have none
 };
 
 // Tells what data are from their content.

@@ -13,6 +13,9 @@ namespace mifread
 // know. Throws mifhost::IoError when the system's database of types cannot be read.
 std::string detectMimeType(std::span<const std::uint8_t> beginning);
 
+// The usual extension of such a file, without a dot; empty where the system knows none. Throws likewise.
+std::string detectExtension(std::span<const std::uint8_t> beginning);
+
 } // namespace mifread
 
 #endif

@@ -21,9 +21,9 @@ struct CloseMagic {
 };
 using Magic = std::unique_ptr<magic_set, CloseMagic>;
 
-Magic openMagic()
+Magic openMagic(int flags)
 {
-    Magic magic(magic_open(MAGIC_MIME_TYPE));
+    Magic magic(magic_open(flags));
     if (magic == nullptr || magic_load(magic.get(), nullptr) != 0) {
         const char *reason = magic != nullptr ? magic_error(magic.get()) : nullptr;
         throw mifhost::IoError("the database of file types", std::nullopt,
@@ -32,14 +32,28 @@ Magic openMagic()
     return magic;
 }
 
+std::string ask(const Magic &magic, std::span<const std::uint8_t> beginning)
+{
+    const char *found = magic_buffer(magic.get(), beginning.data(), beginning.size());
+    return found != nullptr ? found : "";
+}
+
 } // namespace
+
+// One of each for each thread, as it must not be used by two at once and is costly to make.
 
 std::string detectMimeType(std::span<const std::uint8_t> beginning)
 {
-    // One for each thread, as it must not be used by two at once and is costly to make.
-    thread_local const Magic magic = openMagic();
-    const char *found = magic_buffer(magic.get(), beginning.data(), beginning.size());
-    return found != nullptr ? found : "application/octet-stream";
+    thread_local const Magic types = openMagic(MAGIC_MIME_TYPE);
+    const std::string found = ask(types, beginning);
+    return found.empty() ? "application/octet-stream" : found;
+}
+
+std::string detectExtension(std::span<const std::uint8_t> beginning)
+{
+    thread_local const Magic extensions = openMagic(MAGIC_EXTENSION);
+    const std::string found = ask(extensions, beginning); // such as "jpeg/jpg/jpe", or "???"
+    return found.starts_with('?') ? "" : found.substr(0, found.find('/'));
 }
 
 } // namespace mifread

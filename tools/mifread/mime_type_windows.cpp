@@ -60,4 +60,9 @@ std::string detectMimeType(std::span<const std::uint8_t> beginning)
     return name != names.end() ? std::string(name->elsewhere) : found;
 }
 
+std::string detectExtension(std::span<const std::uint8_t> /*beginning*/)
+{
+    return "";
+}
+
 } // namespace mifread
