@@ -183,7 +183,7 @@ const Token *TokenDecoder::next()
     }
     const std::uint32_t length = checkedLength();
     Payload payload(*this, length);
-    decodeToken(payload);
+    token_ = decodeToken(payload);
     bytes_ = bytes_.subspan(length);
     position_ += length;
     return &token_;
@@ -212,64 +212,49 @@ std::uint32_t TokenDecoder::checkedLength() const
     return length;
 }
 
-void TokenDecoder::decodeToken(Payload &payload)
+Token TokenDecoder::decodeToken(Payload &payload)
 {
     // The members of a braced list are read in the order in which they are written.
     switch (bytes_.front()) {
     case TOKEN_TEXT: {
         const auto text = payload.take(payload.count(1, 0));
-        token_ = Text{{reinterpret_cast<const char *>(text.data()), text.size()}};
-        return;
+        return Text{{reinterpret_cast<const char *>(text.data()), text.size()}};
     }
     case TOKEN_PARA_FORMAT:
-        token_ = ParaFormat{payload.i32(), payload.i32(), payload.i32(),
-                            payload.enumerated(Alignment::LeftRight, "alignment")};
-        return;
+        return ParaFormat{payload.i32(), payload.i32(), payload.i32(),
+                          payload.enumerated(Alignment::LeftRight, "alignment")};
     case TOKEN_TAB_STOPS:
-        decodeTabStops(payload);
-        return;
+        return decodeTabStops(payload);
     case TOKEN_TAB:
-        token_ = Tab{};
-        return;
+        return Tab{};
     case TOKEN_ATTRIBUTE:
-        token_ = payload.attribute();
-        return;
+        return payload.attribute();
     case TOKEN_TABLE_ROW:
-        decodeTableRow(payload);
-        return;
+        return decodeTableRow(payload);
     case TOKEN_CELL_END:
-        token_ = CellEnd{};
-        return;
+        return CellEnd{};
     case TOKEN_PARA_END:
-        token_ = ParaEnd{};
-        return;
+        return ParaEnd{};
     case TOKEN_LINE_BREAK:
-        token_ = LineBreak{};
-        return;
+        return LineBreak{};
     case TOKEN_FONT:
-        token_ = Font{payload.u32(), payload.u32()};
-        return;
+        return Font{payload.u32(), payload.u32()};
     case TOKEN_PAGE_SETUP:
         payload.take(1);
-        token_ = PageSetup{payload.u32(), payload.u32(), payload.u32(), payload.u32(), payload.u32(), payload.u32()};
-        return;
+        return PageSetup{payload.u32(), payload.u32(), payload.u32(), payload.u32(), payload.u32(), payload.u32()};
     case TOKEN_LINE_SPACING:
-        token_ = LineSpacing{payload.enumerated(Spacing::Double, "line spacing")};
-        return;
+        return LineSpacing{payload.enumerated(Spacing::Double, "line spacing")};
     case TOKEN_TEXT_COLOR:
         payload.take(1);
-        token_ = TextColor{payload.u8(), payload.u8(), payload.u8()};
-        return;
+        return TextColor{payload.u8(), payload.u8(), payload.u8()};
     case TOKEN_FRAME:
-        token_ = payload.frame();
-        return;
+        return payload.frame();
     default: // checkedLength lets nothing else through
-        token_ = Charset{payload.u32()};
-        return;
+        return Charset{payload.u32()};
     }
 }
 
-void TokenDecoder::decodeTabStops(Payload &payload)
+Token TokenDecoder::decodeTabStops(Payload &payload)
 {
     const std::size_t count = payload.count(tabStopSize, 0);
     tabStops_.clear();
@@ -277,15 +262,14 @@ void TokenDecoder::decodeTabStops(Payload &payload)
     for (std::size_t i = 0; i < count; ++i) {
         tabStops_.push_back({payload.enumerated(TabKind::Center, "kind of tab stop"), payload.i32()});
     }
-    token_ = TabStops{tabStops_};
+    return TabStops{tabStops_};
 }
 
-void TokenDecoder::decodeTableRow(Payload &payload)
+Token TokenDecoder::decodeTableRow(Payload &payload)
 {
     if (payload.left() == countSize) {
         payload.count(4, 0);
-        token_ = TableEnd{};
-        return;
+        return TableEnd{};
     }
     const std::size_t count = payload.count(4, tableRowTail);
     columnWidths_.clear();
@@ -294,7 +278,7 @@ void TokenDecoder::decodeTableRow(Payload &payload)
         columnWidths_.push_back(payload.i32());
     }
     payload.take(tableRowConstants);
-    token_ = TableRow{columnWidths_, payload.i32()};
+    return TableRow{columnWidths_, payload.i32()};
 }
 
 } // namespace mifhost

@@ -152,9 +152,9 @@ private:
     class Payload;
 
     std::uint32_t checkedLength() const;
-    void decodeToken(Payload &payload);
-    void decodeTabStops(Payload &payload);
-    void decodeTableRow(Payload &payload);
+    Token decodeToken(Payload &payload);
+    Token decodeTabStops(Payload &payload);
+    Token decodeTableRow(Payload &payload);
     [[noreturn]] void fail(std::uint64_t position, const std::string &reason) const;
 
     std::string name_;
