@@ -224,6 +224,30 @@ TEST(FillCycle, TokensWaitForRoomAndNeverPassTheBuffer)
         EXPECT_TRUE(expected.starts_with(conversion.stream)) << bufferSize;
         EXPECT_TRUE(isWhole(conversion)) << bufferSize;
     }
+    // A token that waits is lost to a smaller buffer, and the document with it.
+    TestHost host(document);
+    MifContext *context = host.open();
+    ASSERT_EQ(mifInitDoc(context, nullptr, 0, host.stream()), 0);
+    Conversion conversion;
+    host.fill(context, conversion, 3009);
+    EXPECT_EQ(conversion.result, 0);
+    for (const uint32_t bufferSize : {3008U, 1U << 16}) {
+        host.fill(context, conversion, bufferSize);
+        EXPECT_EQ(conversion.result, 6) << bufferSize;
+    }
+    EXPECT_TRUE(expected.starts_with(conversion.stream));
+    host.close(context);
+}
+
+TEST(FillCycle, TheLastByteMayStandAlone)
+{
+    std::string document = documentOf("<Para <String `a'>>");
+    document.resize(document.rfind('>') + 1);
+    const std::string expected = convert(document).stream;
+    const size_t body = document.find('\n') + 1;
+    document.insert(body, "#" + std::string(4097 - document.size() - 2, 'c') + "\n");
+    ASSERT_EQ(document.size(), 4097U);
+    EXPECT_EQ(convert(document).stream, expected);
 }
 
 TEST(FillCycle, StreamsThatMisbehave)
