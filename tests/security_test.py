@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """security_test.py MIFREAD SOURCE-FOLDER: what SECURITY.md promises of the program, section by section."""
+import ctypes
 import os
 import re
 import resource
@@ -39,8 +40,85 @@ class InFolder(unittest.TestCase):
         return result.stdout, result.stderr
 
 
+HELLO = HEADER + b"<TextRectID 9><Para <String `hello'>>\n"
+NOBODY = 65534
+
+
+def obey_permissions():
+    """For preexec_fn: not even root may write what its permissions forbid."""
+    if os.geteuid() == 0:
+        drop_from_bounding_set, may_override = 24, 1
+        ctypes.CDLL(None).prctl(drop_from_bounding_set, may_override)
+
+
 class Files(InFolder):
     """What is written, and where."""
+
+    def setUp(self):
+        super().setUp()
+        self.write("a.mif", HELLO)
+
+    def test_a_replaced_file_gives_no_rights(self):
+        umask = os.umask(0o027)
+        self.addCleanup(os.umask, umask)
+        own, foreign = self.write("own.txt", b""), self.write("foreign.txt", b"")
+        own.chmod(0o6751)
+        foreign.chmod(0o4777)
+        if os.geteuid() == 0:
+            os.chown(foreign, NOBODY, NOBODY)  # which takes the bit away
+            foreign.chmod(0o4777)
+        for name in "own.txt", "foreign.txt", "new.txt":
+            self.mifread("text", "a.mif", "-o", name)
+        results = [stat.S_IMODE((self.folder / name).stat().st_mode) for name in ("own.txt", "foreign.txt", "new.txt")]
+        self.assertEqual(results, [0o751, 0o640 if os.geteuid() == 0 else 0o777, 0o640])
+        self.assertEqual(foreign.stat().st_uid, os.geteuid())
+
+    def test_a_read_only_file_is_left_alone(self):
+        for path in self.write("kept.txt", b"kept"), self.write("out/a.txt", b"kept"):
+            path.chmod(0o444)
+            to = ["-d", "out"] if path.name == "a.txt" else ["-o", "kept.txt"]
+            _, errors = self.mifread("text", "a.mif", *to, code=3, preexec_fn=obey_permissions)
+            self.assertIn(b"Permission denied", errors)
+            self.assertEqual(path.read_bytes(), b"kept")
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can play another user")
+    def test_what_another_user_planted_is_not_followed(self):
+        shared = self.folder / "shared"
+        shared.mkdir()
+        shared.chmod(0o1777)
+        kept = self.write("kept.txt", b"kept")
+        (shared / "link.txt").symlink_to(kept)
+        (shared / "dangling.txt").symlink_to(self.folder / "new.txt")
+        (shared / "folder").symlink_to(self.folder)
+        os.mkfifo(shared / "pipe.txt")
+        for path in shared.iterdir():
+            os.lchown(path, NOBODY, NOBODY)
+        (self.folder / "own.txt").symlink_to("shared/link.txt")
+        for name in "own.txt", "shared/link.txt", "shared/dangling.txt", "shared/pipe.txt", "shared/folder/kept.txt":
+            _, errors = self.mifread("text", "a.mif", "-o", name, code=3, timeout=20)
+            self.assertIn(b"of another user", errors)
+        for name in "link", "dangling", "pipe", "folder/b":
+            self.write(f"in/{name}.mif", HELLO)
+        self.mifread("text", "-r", "in", "-d", "shared", code=3, timeout=20)
+        self.mifread("text", "a.mif", "-d", "shared/folder", code=3, timeout=20)
+        self.assertEqual(kept.read_bytes(), b"kept")
+        self.assertEqual({path.name for path in self.folder.iterdir()},
+                         {"a.mif", "in", "kept.txt", "own.txt", "shared"})
+
+    def test_no_temporary_file_stays(self):
+        self.write("long.mif", HELLO * 100000)
+        full = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100000, 100000))}
+        _, errors = self.mifread("text", "long.mif", "-o", "result.txt", code=3, **full)
+        self.assertIn(b"File too large", errors)
+        self.mifread("text", "long.mif", "a.mif", "-d", "out", code=1, **full)
+        with subprocess.Popen([MIFREAD, "text", "-", "-o", "result.txt"], cwd=self.folder, stdin=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL) as run:
+            while not list(self.folder.glob(".*")):
+                time.sleep(0.01)
+            run.terminate()
+        self.assertEqual(run.returncode, -signal.SIGTERM)
+        present = {str(path.relative_to(self.folder)) for path in self.folder.rglob("*")}
+        self.assertEqual(present, {"a.mif", "long.mif", "out", "out/a.txt"})
 
 
 class Costs(InFolder):

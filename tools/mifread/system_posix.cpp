@@ -3,7 +3,6 @@
 #include <csignal>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mifread::system
@@ -19,6 +18,7 @@ void prepareStandardStreams()
         close(descriptor);
     }
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool isTerminal(int file) noexcept
@@ -29,22 +29,6 @@ bool isTerminal(int file) noexcept
 int openStandardOutput() noexcept
 {
     return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-}
-
-int openExisting(const std::filesystem::path &path) noexcept
-{
-    return open(path.c_str(), O_WRONLY | O_CLOEXEC);
-}
-
-int createFile(const std::filesystem::path &path, const std::filesystem::path &model) noexcept
-{
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    struct stat status {
-    };
-    if (file >= 0 && !model.empty() && stat(model.c_str(), &status) == 0) {
-        fchmod(file, status.st_mode & 07777);
-    }
-    return file;
 }
 
 std::filesystem::path spellingOf(const std::filesystem::path &path)

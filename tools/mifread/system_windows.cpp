@@ -7,7 +7,6 @@
 
 #include <fcntl.h>
 #include <io.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <windows.h>
 
@@ -20,8 +19,6 @@ namespace mifread::system
 
 namespace
 {
-
-constexpr int ownBytes = _O_BINARY | _O_NOINHERIT;
 
 HANDLE handleOf(int file) noexcept
 {
@@ -63,16 +60,6 @@ bool isTerminal(int file) noexcept
 int openStandardOutput() noexcept
 {
     return _dup(STDOUT_FILENO);
-}
-
-int openExisting(const std::filesystem::path &path) noexcept
-{
-    return _wopen(path.c_str(), _O_WRONLY | ownBytes);
-}
-
-int createFile(const std::filesystem::path &path, const std::filesystem::path & /*model*/) noexcept
-{
-    return _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | ownBytes, _S_IREAD | _S_IWRITE);
 }
 
 std::filesystem::path spellingOf(const std::filesystem::path &path)
