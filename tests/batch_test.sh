@@ -26,7 +26,9 @@ run 2 'read and written' text in/text.mif -d made --report in/text.mif
 run 2 'standard output|- would be written twice' text in/text.mif --report -
 run 2 'named twice' text - -
 mkdir clash clash/x.txt && cp in/text.mif clash/x.mif && cp in/text.mif clash/x.txt/y.mif
-run 2 'both a file and a folder' text -r clash -d made
+run 1 'clash/x.mif: made/x.txt would be both a file and a folder' text -r clash -d made
+cp in/text.mif clash/x.txt/y.MIF
+run 3 'y.mif: .*twice: for clash/x.txt/y.MIF and clash/x.txt/y.mif' text -r clash/x.txt -d made
 run 2 'exclude' text in/text.mif -d made -o result
 run 3 'cannot make' text in/text.mif -d joined/results
 
@@ -36,6 +38,14 @@ mkdir '[brackets]' && cp in/text.mif '[brackets]/[x].mif'
 run 0 '' text '[brackets]/[x].mif' -q
 run 0 '' text -r odd '[brackets]' -d made/odd -q
 [ "$(cd made/odd && echo *)" = '[x].txt link.txt' ] || fail "odd files: $(ls made/odd)"
+run 0 'odd/loop: a link to a folder' text -r odd
+ln -s missing odd/gone.mif && ln -s missing odd/gone
+run 1 'odd/gone: .*No such file' text -r odd
+says 'failed: odd/gone.mif: cannot follow the link: No such file' err
+
+# The report, or the list of objects, may be the first file in the folder for results.
+run 0 '' text in/text.mif -d fresh/ --report fresh/reports/report.json && [ -e fresh/reports/report.json ] || fail 'a report'
+run 0 '' objects "$documents/objects.mif" -d fresh/objects -o fresh/objects/list && [ -s fresh/objects/list ] || fail 'a list'
 
 # The same output and messages whatever the number of threads, long parts in temporary files included.
 for ((i = 0; i < 300; i++)); do cat in/a/two.mif; done >in/long.mif

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """security_test.py MIFREAD SOURCE-FOLDER: what SECURITY.md promises of the program, section by section."""
 import ctypes
+import json
 import os
 import re
 import resource
@@ -41,6 +42,7 @@ class InFolder(unittest.TestCase):
 
 
 HELLO = HEADER + b"<TextRectID 9><Para <String `hello'>>\n"
+OBJECTS = (SOURCE / "tests/documents/objects.mif").read_bytes()
 NOBODY = 65534
 
 
@@ -57,6 +59,65 @@ class Files(InFolder):
     def setUp(self):
         super().setUp()
         self.write("a.mif", HELLO)
+
+    def test_no_file_is_written_twice(self):
+        for name in "d1/a.mif", "d2/a.mif", "d2/a.MIF", "d2/b.mif":
+            self.write(name, OBJECTS)
+        for jobs in "1", "2":
+            _, errors = self.mifread("objects", "d1/a.mif", "d2/a.mif", "-d", "out", "-j", jobs, code=2)
+            self.assertIn(b"written twice: for d1/a.mif and d2/a.mif", errors)
+            _, errors = self.mifread("objects", "-r", "d2", "-d", f"out{jobs}", "-j", jobs, code=1)
+            self.assertEqual(errors.count(b"written twice: for d2/a.MIF and d2/a.mif"), 4)
+            self.assertEqual([path.name for path in (self.folder / f"out{jobs}").iterdir()], ["b"])
+        self.assertFalse((self.folder / "out").exists())
+        # The list of objects, the report and standard output are files like others.
+        objects = ["objects", "d1/a.mif", "-d", "out"]
+        for more in ["-o", "out/1.png"], ["--report", "out/1.png"]:
+            _, errors = self.mifread(*objects, *more, code=3)
+            self.assertIn(b"out/1.png would be written twice", errors)
+        self.assertEqual(json.loads((self.folder / "out/1.png").read_bytes())["exitCode"], 3)
+        with open(self.folder / "out/1.png", "wb") as output:
+            self.mifread(*objects, code=3, capture_output=False, stdout=output, stderr=subprocess.DEVNULL)
+        self.mifread(*objects, "-o", "list", "--report", "d1/../list", code=2)
+        # Folders of documents are no files of others.
+        self.write("d3/a.mif", OBJECTS)
+        self.write("d3/a/1.png.mif", OBJECTS)
+        _, errors = self.mifread("objects", "-r", "d3", "-d", "out3", code=1)
+        self.assertIn(b"d3/a.mif: out3/a/1.png would be both a file and a folder", errors)
+
+    def test_no_input_is_written(self):
+        self.write("1.png", OBJECTS)
+        os.link(self.folder / "1.png", self.folder / "linked.mif")
+        (self.folder / "link.mif").symlink_to("1.png")
+        for document in "1.png", "linked.mif", "link.mif":
+            for output in ["-d", "."], ["-d", "out", "-o", "1.png"], ["-d", "out", "--report", "1.png"]:
+                code = 3 if output == ["-d", "."] else 2
+                _, errors = self.mifread("objects", document, *output, code=code)
+                self.assertIn(b"1.png would be both read and written", errors)
+        with open(self.folder / "1.png", "rb") as document:
+            self.mifread("objects", "-", "-d", ".", code=3, stdin=document)
+        self.write("tree/a.mif", HELLO)
+        os.link(self.folder / "tree/a.mif", self.folder / "tree/b.txt")
+        self.write("tree/b.mif", HELLO)
+        _, errors = self.mifread("text", "-r", "tree", "-d", "tree", code=1)
+        self.assertIn(b"tree/b.mif: tree/b.txt would be both read and written", errors)
+        self.assertEqual((self.folder / "tree/a.txt").read_bytes(), b"hello\n")
+        self.assertEqual((self.folder / "tree/b.txt").read_bytes(), HELLO)
+        self.assertEqual((self.folder / "1.png").read_bytes(), OBJECTS)
+
+    def test_no_result_leaves_the_folder(self):
+        names = "...mif", "..mif", ".mif", "-.mif", "....mif", ".. .mif", "[.mif", "a\\..\\b.mif", "\n.mif"
+        for name in names:
+            self.write(f"in/{name}", OBJECTS)
+        for command in "objects", "text":
+            self.mifread(command, "-r", "in", "-d", f"r/{command}/out")
+            self.assertEqual(len(list((self.folder / "r" / command / "out").iterdir())), len(names) - 1)  # not .mif
+            self.mifread(command, *(f"in/{name}" for name in names), "-d", f"n/{command}/out")
+            self.assertEqual(len(list((self.folder / "n" / command / "out").iterdir())), len(names))
+        for folder in "r", "n":
+            above = [str(path.relative_to(self.folder)) for path in (self.folder / folder).glob("*/*")]
+            self.assertEqual(sorted(above), [f"{folder}/objects/out", f"{folder}/text/out"])
+        self.assertEqual({path.name for path in self.folder.iterdir()}, {"a.mif", "in", "r", "n"})
 
     def test_a_replaced_file_gives_no_rights(self):
         umask = os.umask(0o027)

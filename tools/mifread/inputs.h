@@ -16,16 +16,18 @@ struct Input {
     std::filesystem::path result; // of its results, below the folder for results, without an extension
     std::uint64_t size = 0;       // bytes; 0 where it is not known
     std::string failure;          // why there is nothing to read; empty as a rule
+    bool isNamed = true;          // by an argument, not found in a folder
+};
+
+struct Inputs {
+    std::vector<Input> documents;
+    std::vector<std::string> notes; // on what was passed over
 };
 
 // Lists the documents that the arguments name, in their order. With recursive a folder stands for all files in it, and
 // in the folders in it, whose names end in .mif, in the order of their names; their results keep the tree. Links to
-// folders are not followed.
-std::vector<Input> findInputs(const std::vector<std::string> &arguments, bool recursive);
-
-// Returns a message when an input would be overwritten, or when two of the outputs, paths of files or "-", would be
-// written to one place; else an empty text.
-std::string findCollision(const std::vector<Input> &inputs, const std::vector<std::string> &outputs);
+// folders are not followed. A result is always below the folder for results, whatever its document is called.
+Inputs findInputs(const std::vector<std::string> &arguments, bool recursive);
 
 } // namespace mifread
 

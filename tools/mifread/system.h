@@ -2,8 +2,11 @@
 #ifndef MIFREAD_SYSTEM_H
 #define MIFREAD_SYSTEM_H
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace mifread
@@ -27,6 +30,13 @@ bool isTerminal(int file) noexcept;
 // A descriptor of its own for the file that is standard output, above those of the standard streams, not inherited by
 // programs that are started. -1 with errno set if there can be none.
 int openStandardOutput() noexcept;
+
+// Tells files apart whatever they are called: the device, and the file there.
+using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
+
+// That of the file behind a path or an open descriptor; none when there is no file, or not a regular one.
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path) noexcept;
+std::optional<FileIdentity> identityOf(int file) noexcept;
 
 // The same for all spellings of a path that lead to one file, as far as the system takes names for the same. For paths
 // without links and dots.

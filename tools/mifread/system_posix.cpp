@@ -3,10 +3,21 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mifread::system
 {
+
+namespace
+{
+
+std::optional<FileIdentity> identityOf(const struct stat &status) noexcept
+{
+    return S_ISREG(status.st_mode) ? std::optional(FileIdentity(status.st_dev, status.st_ino)) : std::nullopt;
+}
+
+} // namespace
 
 void prepareStandardStreams()
 {
@@ -29,6 +40,20 @@ bool isTerminal(int file) noexcept
 int openStandardOutput() noexcept
 {
     return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+}
+
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path) noexcept
+{
+    struct stat status {
+    };
+    return stat(path.c_str(), &status) == 0 ? identityOf(status) : std::nullopt;
+}
+
+std::optional<FileIdentity> identityOf(int file) noexcept
+{
+    struct stat status {
+    };
+    return fstat(file, &status) == 0 ? identityOf(status) : std::nullopt;
 }
 
 std::filesystem::path spellingOf(const std::filesystem::path &path)

@@ -25,6 +25,16 @@ HANDLE handleOf(int file) noexcept
     return reinterpret_cast<HANDLE>(_get_osfhandle(file));
 }
 
+std::optional<FileIdentity> identityOf(HANDLE handle) noexcept
+{
+    BY_HANDLE_FILE_INFORMATION status{};
+    if (GetFileType(handle) != FILE_TYPE_DISK || GetFileInformationByHandle(handle, &status) == 0) {
+        return std::nullopt;
+    }
+    const std::uint64_t high = status.nFileIndexHigh;
+    return FileIdentity(status.dwVolumeSerialNumber, high << 32 | status.nFileIndexLow);
+}
+
 // What is not UTF-16, as names of files may be, becomes U+FFFD.
 std::string utf8(std::wstring_view text)
 {
@@ -60,6 +70,23 @@ bool isTerminal(int file) noexcept
 int openStandardOutput() noexcept
 {
     return _dup(STDOUT_FILENO);
+}
+
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path) noexcept
+{
+    constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle = CreateFileW(path.c_str(), 0, shared, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return std::nullopt;
+    }
+    const auto identity = identityOf(handle);
+    CloseHandle(handle);
+    return identity;
+}
+
+std::optional<FileIdentity> identityOf(int file) noexcept
+{
+    return identityOf(handleOf(file));
 }
 
 std::filesystem::path spellingOf(const std::filesystem::path &path)
