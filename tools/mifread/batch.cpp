@@ -19,6 +19,7 @@
 #include <oneapi/tbb/task_arena.h>
 
 #include "claims.h"
+#include "dry_run.h"
 #include "inputs.h"
 #include "mifhost/error.h"
 #include "mifhost/plugin.h"
@@ -193,6 +194,7 @@ Batch::Batch(const Options &options, const Command &command, const std::vector<I
 ExitCode Batch::run()
 {
     const bool isWritten = writeResults();
+    report_.setNotBegun(inputs_.size() - nextInput_);
     const int signal = caughtSignal();
     const ExitCode code = isWritten ? report_.exitCode() : ExitCode::Io;
     // The way in which shells tell that a signal ended a program.
@@ -257,6 +259,12 @@ void Batch::convert(Job &job)
     if (!job.input->failure.empty()) {
         outcome.code = ExitCode::Io;
         outcome.messages.push_back(fmt::format("{}: {}", job.input->path, job.input->failure));
+        return;
+    }
+    if (options_.update && isUpToDate(*job.input)) {
+        outcome.isLeftAlone = true;
+        outcome.result = textOf(job.input->result);
+        progress_.addBytes(outcome.size);
         return;
     }
     const auto start = std::chrono::steady_clock::now();
@@ -346,7 +354,7 @@ ExitCode convertDocuments(const Options &options, const Command &command)
 {
     Progress messages(false, 0, 0);
     try {
-        Inputs inputs = findInputs(options.inputs, options.recursive);
+        Inputs inputs = findInputs(options);
         if (command.results == Results::Single && options.folder.empty() && inputs.documents.size() > 1) {
             messages.complain("several documents need a folder for their results: give -d DIR");
             return ExitCode::Usage;
@@ -361,6 +369,9 @@ ExitCode convertDocuments(const Options &options, const Command &command)
             for (const std::string &note : inputs.notes) {
                 messages.complain(note);
             }
+        }
+        if (options.dryRun) {
+            return showPlan(inputs.documents, options, command, messages);
         }
         makeFolderOf(options.report, options);
         makeFolderOf(options.output, options);

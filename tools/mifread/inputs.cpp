@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <iterator>
 #include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "mifhost/error.h"
+#include "mifhost/stream.h"
 #include "paths.h"
 
 namespace mifread
@@ -91,23 +94,72 @@ void listTree(const fs::path &folder, Inputs &inputs)
     std::move(found.notes.begin(), found.notes.end(), std::back_inserter(inputs.notes));
 }
 
+void addInputs(const std::string &name, bool recursive, Inputs &inputs)
+{
+    const fs::path path = pathOf(name);
+    std::error_code ignored;
+    if (name == "-") {
+        inputs.documents.push_back({name, "standard-input", 0, ""});
+    } else if (!fs::is_directory(path, ignored)) {
+        inputs.documents.push_back(inputAt(path, {}));
+    } else if (recursive) {
+        listTree(path, inputs);
+    } else {
+        inputs.documents.push_back({name, {}, 0, "is a directory; with -r the documents in it are taken"});
+    }
+}
+
+std::string readWhole(const std::string &path)
+{
+    mifhost::FileStream file(path);
+    std::string text(static_cast<std::size_t>(file.size()), '\0');
+    std::size_t done = 0;
+    while (done < text.size()) {
+        done += file.read({reinterpret_cast<std::uint8_t *>(text.data()) + done, text.size() - done});
+    }
+    return text;
+}
+
+// The names in a list, without empty ones. Lines may end as on Windows.
+std::vector<std::string> readList(const std::string &path, bool isNulSeparated)
+{
+    const std::string text = readWhole(path);
+    const char separator = isNulSeparated ? '\0' : '\n';
+    std::vector<std::string> names;
+    for (std::size_t start = 0, end = 0; start < text.size(); start = end + 1) {
+        end = std::min(text.find(separator, start), text.size());
+        std::string name = text.substr(start, end - start);
+        if (const std::size_t nul = name.find('\0'); nul != std::string::npos) {
+            throw mifhost::IoError(path == "-" ? "standard input" : path, start + nul,
+                                   "a NUL byte in a name; for names that end with NUL give -0");
+        }
+        if (!isNulSeparated && name.ends_with('\r')) {
+            name.pop_back();
+        }
+        if (!name.empty()) {
+            names.push_back(std::move(name));
+        }
+    }
+    return names;
+}
+
 } // namespace
 
-Inputs findInputs(const std::vector<std::string> &arguments, bool recursive)
+Inputs findInputs(const Options &options)
 {
     Inputs inputs;
-    for (const std::string &argument : arguments) {
-        const fs::path path = pathOf(argument);
-        std::error_code ignored;
-        if (argument == "-") {
-            inputs.documents.push_back({argument, "standard-input", 0, ""});
-        } else if (!fs::is_directory(path, ignored)) {
-            inputs.documents.push_back(inputAt(path, {}));
-        } else if (recursive) {
-            listTree(path, inputs);
-        } else {
-            inputs.documents.push_back({argument, {}, 0, "is a directory; with -r the documents in it are taken"});
-        }
+    for (const std::string &argument : options.inputs) {
+        addInputs(argument, options.recursive, inputs);
+    }
+    if (options.list.empty()) {
+        return inputs;
+    }
+    const std::size_t arguments = inputs.documents.size();
+    for (const std::string &name : readList(options.list, options.isListNulSeparated)) {
+        addInputs(name, options.recursive, inputs);
+    }
+    for (std::size_t i = arguments; i < inputs.documents.size(); ++i) {
+        inputs.documents[i].isNamed = false;
     }
     return inputs;
 }

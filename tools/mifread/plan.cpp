@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -46,7 +47,8 @@ private:
 
 std::string Plan::make()
 {
-    if (std::count_if(inputs_.begin(), inputs_.end(), [](const Input &input) { return input.path == "-"; }) > 1) {
+    const auto isStream = [](const Input &input) { return input.path == "-"; };
+    if (std::count_if(inputs_.begin(), inputs_.end(), isStream) + (options_.list == "-" ? 1 : 0) > 1) {
         return "standard input is named twice";
     }
     addInputs();
@@ -67,8 +69,10 @@ void Plan::addInputs()
     for (const Input &input : inputs_) {
         claims_.addInput(input.path);
     }
-    if (!options_.plugin.empty()) {
-        claims_.addInput(options_.plugin);
+    for (const std::string &file : {options_.list, options_.plugin}) {
+        if (!file.empty()) {
+            claims_.addInput(file);
+        }
     }
 }
 
@@ -76,7 +80,7 @@ void Plan::findPaths()
 {
     const fs::path folder = pathOf(options_.folder);
     // A single document has the folder for itself.
-    const bool isAlone = options_.inputs.size() == 1 && !options_.recursive;
+    const bool isAlone = options_.inputs.size() == 1 && options_.list.empty() && !options_.recursive;
     for (Input &input : inputs_) {
         if (!input.failure.empty()) {
             continue;
@@ -151,6 +155,17 @@ std::string Plan::claimResults()
 std::string planResults(std::vector<Input> &inputs, const Options &options, const Command &command, Claims &claims)
 {
     return Plan(inputs, options, command, claims).make();
+}
+
+bool isUpToDate(const Input &input)
+{
+    std::error_code error;
+    const fs::file_time_type result = fs::last_write_time(input.result, error);
+    if (error || input.path == "-" || !fs::is_regular_file(input.result, error)) {
+        return false;
+    }
+    const fs::file_time_type document = fs::last_write_time(pathOf(input.path), error);
+    return !error && result > document;
 }
 
 } // namespace mifread

@@ -18,6 +18,9 @@ namespace mifread
 // the way of other files get a failure. Returns what is wrong with the command line, or an empty text.
 std::string planResults(std::vector<Input> &inputs, const Options &options, const Command &command, Claims &claims);
 
+// Whether a document's result is there and newer than it. What changed in one tick of the clock counts as older.
+bool isUpToDate(const Input &input);
+
 } // namespace mifread
 
 #endif
