@@ -96,6 +96,8 @@ class Files(InFolder):
                 self.assertIn(b"1.png would be both read and written", errors)
         with open(self.folder / "1.png", "rb") as document:
             self.mifread("objects", "-", "-d", ".", code=3, stdin=document)
+        with open(self.folder / "1.png", "ab") as output:
+            self.mifread("text", "1.png", code=2, capture_output=False, stdout=output, stderr=subprocess.DEVNULL)
         self.write("tree/a.mif", HELLO)
         os.link(self.folder / "tree/a.mif", self.folder / "tree/b.txt")
         self.write("tree/b.mif", HELLO)

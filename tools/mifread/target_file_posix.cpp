@@ -129,13 +129,19 @@ void Walk::start(const fs::path &path)
 FileDescriptor Walk::enter(Missing missing)
 {
     constexpr int flags = O_PATH | O_NOFOLLOW | O_CLOEXEC;
-    FileDescriptor entry(openat(folder.get(), name.c_str(), flags));
-    if (entry.get() < 0 && errno == ENOENT && !rest_.empty() && missing == Missing::IsMade) {
-        if (mkdirat(folder.get(), name.c_str(), permissions) == 0 || errno == EEXIST) {
-            entry = FileDescriptor(openat(folder.get(), name.c_str(), flags));
-        }
+    const bool isLast = rest_.empty();
+    // Only asking for a folder has one mounted that is mounted when it is needed.
+    FileDescriptor entry(openat(folder.get(), name.c_str(), isLast ? flags : flags | O_DIRECTORY));
+    const bool isMissing = entry.get() < 0 && errno == ENOENT;
+    const bool isNoFolder = entry.get() < 0 && errno == ENOTDIR; // but perhaps a link to one
+    const bool isToBeMade = isMissing && !isLast && missing == Missing::IsMade;
+    if (isToBeMade && mkdirat(folder.get(), name.c_str(), permissions) != 0 && errno != EEXIST) {
+        fail(what_);
     }
-    if (entry.get() < 0 && (errno != ENOENT || !rest_.empty())) {
+    if (isToBeMade || isNoFolder) {
+        entry = FileDescriptor(openat(folder.get(), name.c_str(), flags));
+    }
+    if (entry.get() < 0 && (!isMissing || !isLast)) {
         fail(what_);
     }
     return entry;
