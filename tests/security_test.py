@@ -173,6 +173,7 @@ class Files(InFolder):
         full = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100000, 100000))}
         _, errors = self.mifread("text", "long.mif", "-o", "result.txt", code=3, **full)
         self.assertIn(b"File too large", errors)
+        self.mifread("text", "long.mif", "a.mif", "a.mif", "-j", "2", "-o", "result.txt", code=3, **full)
         self.mifread("text", "long.mif", "a.mif", "-d", "out", code=1, **full)
         with subprocess.Popen([MIFREAD, "text", "-", "-o", "result.txt"], cwd=self.folder, stdin=subprocess.PIPE,
                               stderr=subprocess.DEVNULL) as run:

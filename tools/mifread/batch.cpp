@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <new>
@@ -138,6 +139,8 @@ private:
     }
     bool writeResults();
     void runPipeline();
+    template <typename Step>
+    void attempt(Step step);
     JobPointer nextJob(oneapi::tbb::flow_control &flow);
     void convert(Job &job);
     void convertToFile(Job &job);
@@ -155,6 +158,8 @@ private:
     bool isDirect_ = false;              // documents go straight to the joined output, as only one is at work
     std::size_t nextInput_ = 0;
     std::atomic<bool> stop_ = false;
+    std::atomic<bool> hasFailed_ = false; // as a whole
+    std::exception_ptr failure_;
     Report report_;
     Progress progress_;
 };
@@ -231,13 +236,34 @@ void Batch::runPipeline()
                                                            [this](tbb::flow_control &flow) { return nextJob(flow); });
     const auto conversion =
         tbb::make_filter<JobPointer, JobPointer>(tbb::filter_mode::parallel, [this](JobPointer job) {
-            convert(*job);
+            attempt([&] { convert(*job); });
             return job;
         });
-    const auto sink = tbb::make_filter<JobPointer, void>(tbb::filter_mode::serial_in_order,
-                                                         [this](const JobPointer &job) { finish(*job); });
+    const auto sink = tbb::make_filter<JobPointer, void>(
+        tbb::filter_mode::serial_in_order, [this](const JobPointer &job) { attempt([&] { finish(*job); }); });
     tbb::task_arena arena(static_cast<int>(jobs_));
     arena.execute([&] { tbb::parallel_pipeline(waiting, source & conversion & sink); });
+    if (failure_ != nullptr) {
+        std::rethrow_exception(failure_);
+    }
+}
+
+// Carries out a step of the pipeline, which would lose the documents in it if an exception went through. The first
+// exception ends the run.
+template <typename Step>
+void Batch::attempt(Step step)
+{
+    if (hasFailed_) {
+        return;
+    }
+    try {
+        step();
+    } catch (...) {
+        stop_ = true;
+        if (!hasFailed_.exchange(true)) {
+            failure_ = std::current_exception();
+        }
+    }
 }
 
 JobPointer Batch::nextJob(oneapi::tbb::flow_control &flow)
