@@ -48,13 +48,13 @@ constexpr std::size_t waitingOutcomes = 64;
 constexpr std::size_t waitingParts = 4;
 
 // A file in the folder for results may be the first thing there.
-void makeFolderOf(const std::string &file, const Options &options)
+void makeFolderOf(const std::string &file, const Options &options, Claims &claims)
 {
     if (options.folder.empty() || file.empty() || file == "-") {
         return;
     }
-    const fs::path results = Claims::placeOf(pathOf(options.folder));
-    const fs::path folder = Claims::placeOf(pathOf(file)).parent_path();
+    const fs::path results = claims.placeOf(pathOf(options.folder));
+    const fs::path folder = claims.placeOf(pathOf(file)).parent_path();
     if (std::mismatch(results.begin(), results.end(), folder.begin(), folder.end()).first == results.end()) {
         makeFolder(pathOf(file).parent_path());
     }
@@ -399,8 +399,8 @@ ExitCode convertDocuments(const Options &options, const Command &command)
         if (options.dryRun) {
             return showPlan(inputs.documents, options, command, messages);
         }
-        makeFolderOf(options.report, options);
-        makeFolderOf(options.output, options);
+        makeFolderOf(options.report, options, claims);
+        makeFolderOf(options.output, options, claims);
         return Batch(options, command, inputs.documents, claims).run();
     } catch (const mifhost::Error &error) { // the plug-in or the output
         messages.complain(error.what());

@@ -18,9 +18,12 @@ namespace fs = std::filesystem;
 
 constexpr const char *standardStream = "-";
 
-fs::path placeOfText(const std::string &path)
+fs::path resolve(const fs::path &path)
 {
-    return path == standardStream ? pathOf(path) : Claims::placeOf(pathOf(path));
+    std::error_code error;
+    const fs::path result = fs::weakly_canonical(fs::absolute(path, error), error);
+    const fs::path place = error ? path : result;
+    return place.has_filename() ? place : place.parent_path(); // without a slash at the end
 }
 
 std::optional<system::FileIdentity> identityOf(const std::string &path, int standardDescriptor)
@@ -32,10 +35,28 @@ std::optional<system::FileIdentity> identityOf(const std::string &path, int stan
 
 fs::path Claims::placeOf(const fs::path &path)
 {
-    std::error_code error;
-    const fs::path canonical = fs::weakly_canonical(fs::absolute(path, error), error);
-    const fs::path place = error ? path : canonical;
-    return system::spellingOf(place.has_filename() ? place : place.parent_path()); // without a slash at the end
+    const fs::path name = path.filename();
+    std::error_code ignored;
+    if (name.empty() || name == "." || name == ".." || fs::is_symlink(path, ignored)) {
+        return system::spellingOf(resolve(path));
+    }
+    return system::spellingOf(placeOfFolder(path.parent_path()) / name);
+}
+
+// Files are many, folders are few.
+fs::path Claims::placeOfFolder(const fs::path &folder)
+{
+    const std::lock_guard lock(mutex_);
+    const auto [place, isNew] = folderPlaces_.try_emplace(folder);
+    if (isNew) {
+        place->second = resolve(folder.empty() ? "." : folder);
+    }
+    return place->second;
+}
+
+fs::path Claims::placeOfText(const std::string &path)
+{
+    return path == standardStream ? pathOf(path) : placeOf(pathOf(path));
 }
 
 void Claims::addInput(const std::string &path)

@@ -3,6 +3,7 @@
 #define MIFREAD_CLAIMS_H
 
 #include <filesystem>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -29,14 +30,17 @@ public:
     std::string claim(const std::string &path);
 
     // The same for all paths that lead to one place.
-    static std::filesystem::path placeOf(const std::filesystem::path &path);
+    std::filesystem::path placeOf(const std::filesystem::path &path);
 
 private:
+    std::filesystem::path placeOfText(const std::string &path);
+    std::filesystem::path placeOfFolder(const std::filesystem::path &folder);
     const char *findObstacle(const std::string &path);
     void insertFolder(const std::filesystem::path &place);
     bool isBelowFile(const std::filesystem::path &place) const;
 
     std::mutex mutex_;
+    std::map<std::filesystem::path, std::filesystem::path> folderPlaces_; // of those that were asked for
     std::set<std::filesystem::path> read_;
     std::set<std::filesystem::path> written_;
     std::set<std::filesystem::path> folders_; // with all that they are in

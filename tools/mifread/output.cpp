@@ -20,6 +20,10 @@ namespace fs = std::filesystem;
 
 void makeFolder(const fs::path &folder)
 {
+    std::error_code ignored;
+    if (fs::is_directory(folder, ignored)) { // who writes there looks at the way to it
+        return;
+    }
     try {
         makeFolders(folder);
     } catch (const std::runtime_error &error) {

@@ -118,7 +118,7 @@ std::string Plan::findTwins()
         if (!input.failure.empty()) {
             continue;
         }
-        const auto [found, isNew] = places.emplace(Claims::placeOf(input.result), &input);
+        const auto [found, isNew] = places.emplace(claims_.placeOf(input.result), &input);
         if (isNew) {
             continue;
         }
