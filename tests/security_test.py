@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """security_test.py MIFREAD SOURCE-FOLDER: what SECURITY.md promises of the program, section by section."""
+import base64
 import ctypes
 import json
 import os
@@ -59,6 +60,34 @@ class Files(InFolder):
     def setUp(self):
         super().setUp()
         self.write("a.mif", HELLO)
+
+    def test_a_document_names_no_file(self):
+        secret = self.write("secret.png", b"SECRET")
+        names = [b"secret.png", str(secret).encode(), b"<r\\><c\\>secret.png"]
+        frames = [b"<Frame <ID %d> <ShapeRect 0 0 1 1> <ImportObject <ImportObFileDI `%s'>>>" % named
+                  for named in enumerate(names)]
+        frames += [b"<Frame <ID %s> <ShapeRect 0 0 1 1> <ImportObject\n=PNG\n&x\n=EndInset\n>>" % number
+                   for number in (b"../5", b"7")]
+        anchors = b"".join(b"<AFrame %d>" % number for number in range(8))
+        body = b"include (secret.png)\n<AFrames %s>\n<TextRectID 9><Para %s>\n" % (b"".join(frames), anchors)
+        self.write("in/a.mif", HEADER + body)
+        for command in ["text"], ["html"], ["json", "--objects"], ["info"], ["tokens"], ["objects", "-d", "out/x"]:
+            output, _ = self.mifread(*command, "in/a.mif")
+            self.assertNotRegex(output, b"SECRET|" + base64.b64encode(b"SECRET"))
+        written = {str(path.relative_to(self.folder)) for path in self.folder.rglob("*") if path.is_file()}
+        self.assertEqual(written, {"a.mif", "in/a.mif", "out/x/7.bin", "secret.png"})
+
+    def test_no_half_result_has_its_name(self):
+        self.write("kept.txt", b"kept")
+        for name in "kept.txt", "new.txt":
+            with subprocess.Popen([MIFREAD, "text", "-", "-o", name], cwd=self.folder, stdin=subprocess.PIPE) as run:
+                run.stdin.write(HELLO)
+                run.stdin.flush()
+                while not list(self.folder.glob(f".mifread-{run.pid}-*")):
+                    time.sleep(0.01)
+                run.kill()
+        self.assertEqual((self.folder / "kept.txt").read_bytes(), b"kept")
+        self.assertFalse((self.folder / "new.txt").exists())
 
     def test_no_file_is_written_twice(self):
         for name in "d1/a.mif", "d2/a.mif", "d2/a.MIF", "d2/b.mif":
