@@ -1,6 +1,6 @@
-// Making and replacing files without trusting what other users put in their way: a link is followed and a pipe or
-// device is opened where nobody else can have put it there, because the folder that it is in, or it itself, belongs to
-// the user or the administrator and, for the folder, nobody else can write to it.
+// Making and replacing files without trusting what other users put in their way. Links are followed, and pipes and
+// devices opened, that belong to the user or the administrator, or that are in a folder of theirs to which nobody else
+// can write; others are refused.
 #ifndef MIFREAD_TARGET_FILE_H
 #define MIFREAD_TARGET_FILE_H
 
