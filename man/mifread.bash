@@ -10,7 +10,7 @@ _mifread()
             _filedir -d
             return
             ;;
-        -o | --output | --report)
+        -o | --output | --report | --files-from)
             _filedir
             return
             ;;
@@ -25,12 +25,13 @@ _mifread()
     $split && return
 
     local single='--help --output --max-memory --max-output --buffer --plugin'
-    local batch="$single --directory --recursive --jobs --fail-fast --report --quiet"
+    local many="$single --directory --files-from --null --recursive --jobs --fail-fast --dry-run --report --quiet"
+    local batch="$many --update"
     local -A options=(
         [text]=$batch
         [html]=$batch
         [json]="$batch --objects"
-        [objects]=$batch
+        [objects]=$many
         [info]="$batch --json"
         [tokens]=$single
     )

@@ -53,6 +53,14 @@ run 1 'ends inside' text truncated.mif -o new; says one new
 run 3 'cannot' text "$letter" -o missing/result
 run 3 'cannot write' text "$letter" -o /dev/full
 "$mifread" text "$letter" 2>err >/dev/full; [ $? -eq 3 ] || fail 'a full standard output'
+
+# Links, pipes and devices that the user names are written to, and stay what they are.
+ln -s linked link; mkfifo fifo
+cat fifo >piped &
+for place in link fifo /dev/null; do run 0 '' text "$letter" -o $place; done
+wait $!
+"$mifread" text "$letter" -o /dev/fd/3 3>&1 | cmp - whole || fail 'a descriptor'
+cmp linked whole && cmp piped whole && [ -h link ] && [ -p fifo ] && [ -c /dev/null ] || fail 'what is no file'
 [ -z "$(ls -A | grep -F .tmp)" ] || fail 'a temporary file is left'
 
 # The listing.

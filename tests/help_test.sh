@@ -10,7 +10,7 @@ source /usr/share/bash-completion/bash_completion
 source "$completion"
 
 # section NAME: the first words of the lines in this section of a help on standard input, one name a line.
-section() { sed -n "/^$1:/,/^\$/s/^  \([-a-z][-a-z,]*\).*/\1/p" | tr , '\n' | sort; }
+section() { sed -n "/^$1:/,/^\$/s/^  \([-a-z][-a-z0-9,]*\).*/\1/p" | tr , '\n' | sort; }
 # complete_words WORD...: what is offered for the last of the words of a command line.
 complete_words() {
     COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)) COMP_LINE="$*" COMP_POINT=${#COMP_LINE} COMPREPLY=()
@@ -32,8 +32,8 @@ done <commands
 same 'completion of commands' <(section Options <help | grep '^--' | sort - commands) <(complete_words mifread '')
 same 'commands in the manual' commands <(sed -n '/^# COMMANDS/,/^# OPTIONS/s/^\*\([a-z]*\)\*$/\1/p' "$manual" | sort)
 same 'the synopsis' commands <(sed -n 's/^\*mifread\* \*\([a-z]*\)\*.*/\1/p' "$manual" | sort)
-same 'options in the manual' <(sort -u all) <(grep -P '^\t*\*-' "$manual" | grep -oP '\*\K--?[a-z-]+(?=\*)' | sort -u)
-same 'options that the manual speaks of' /dev/null <(grep -oP '\*\K--?[a-z-]+(?=\*)' "$manual" | sort -u | comm -23 - <(sort -u all))
+same 'options in the manual' <(sort -u all) <(grep -P '^\t*\*-' "$manual" | grep -oP '\*\K--?[a-z0-9-]+(?=\*)' | sort -u)
+same 'options that the manual speaks of' /dev/null <(grep -oP '\*\K--?[a-z0-9-]+(?=\*)' "$manual" | sort -u | comm -23 - <(sort -u all))
 
 # Names of files.
 mkdir -p folder/inner

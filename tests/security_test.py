@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
 """security_test.py MIFREAD SOURCE-FOLDER: what SECURITY.md promises of the program, section by section."""
+import base64
+import ctypes
+import json
 import os
 import re
 import resource
@@ -39,8 +42,176 @@ class InFolder(unittest.TestCase):
         return result.stdout, result.stderr
 
 
+HELLO = HEADER + b"<TextRectID 9><Para <String `hello'>>\n"
+OBJECTS = (SOURCE / "tests/documents/objects.mif").read_bytes()
+NOBODY = 65534
+
+
+def obey_permissions():
+    """For preexec_fn: not even root may write what its permissions forbid."""
+    if os.geteuid() == 0:
+        drop_from_bounding_set, may_override = 24, 1
+        ctypes.CDLL(None).prctl(drop_from_bounding_set, may_override)
+
+
 class Files(InFolder):
     """What is written, and where."""
+
+    def setUp(self):
+        super().setUp()
+        self.write("a.mif", HELLO)
+
+    def test_a_document_names_no_file(self):
+        secret = self.write("secret.png", b"SECRET")
+        names = [b"secret.png", str(secret).encode(), b"<r\\><c\\>secret.png"]
+        frames = [b"<Frame <ID %d> <ShapeRect 0 0 1 1> <ImportObject <ImportObFileDI `%s'>>>" % named
+                  for named in enumerate(names)]
+        frames += [b"<Frame <ID %s> <ShapeRect 0 0 1 1> <ImportObject\n=PNG\n&x\n=EndInset\n>>" % number
+                   for number in (b"../5", b"7")]
+        anchors = b"".join(b"<AFrame %d>" % number for number in range(8))
+        body = b"include (secret.png)\n<AFrames %s>\n<TextRectID 9><Para %s>\n" % (b"".join(frames), anchors)
+        self.write("in/a.mif", HEADER + body)
+        for command in ["text"], ["html"], ["json", "--objects"], ["info"], ["tokens"], ["objects", "-d", "out/x"]:
+            output, _ = self.mifread(*command, "in/a.mif")
+            self.assertNotRegex(output, b"SECRET|" + base64.b64encode(b"SECRET"))
+        written = {str(path.relative_to(self.folder)) for path in self.folder.rglob("*") if path.is_file()}
+        self.assertEqual(written, {"a.mif", "in/a.mif", "out/x/7.bin", "secret.png"})
+
+    def test_no_half_result_has_its_name(self):
+        self.write("kept.txt", b"kept")
+        for name in "kept.txt", "new.txt":
+            with subprocess.Popen([MIFREAD, "text", "-", "-o", name], cwd=self.folder, stdin=subprocess.PIPE) as run:
+                run.stdin.write(HELLO)
+                run.stdin.flush()
+                while not list(self.folder.glob(f".mifread-{run.pid}-*")):
+                    time.sleep(0.01)
+                run.kill()
+        self.assertEqual((self.folder / "kept.txt").read_bytes(), b"kept")
+        self.assertFalse((self.folder / "new.txt").exists())
+
+    def test_no_file_is_written_twice(self):
+        for name in "d1/a.mif", "d2/a.mif", "d2/a.MIF", "d2/b.mif":
+            self.write(name, OBJECTS)
+        for jobs in "1", "2":
+            _, errors = self.mifread("objects", "d1/a.mif", "d2/a.mif", "-d", "out", "-j", jobs, code=2)
+            self.assertIn(b"written twice: for d1/a.mif and d2/a.mif", errors)
+            _, errors = self.mifread("objects", "-r", "d2", "-d", f"out{jobs}", "-j", jobs, code=1)
+            self.assertEqual(errors.count(b"written twice: for d2/a.MIF and d2/a.mif"), 4)
+            self.assertEqual([path.name for path in (self.folder / f"out{jobs}").iterdir()], ["b"])
+        self.assertFalse((self.folder / "out").exists())
+        # The list of objects, the report and standard output are files like others.
+        objects = ["objects", "d1/a.mif", "-d", "out"]
+        for more in ["-o", "out/1.png"], ["--report", "out/1.png"]:
+            _, errors = self.mifread(*objects, *more, code=3)
+            self.assertIn(b"out/1.png would be written twice", errors)
+        self.assertEqual(json.loads((self.folder / "out/1.png").read_bytes())["exitCode"], 3)
+        with open(self.folder / "out/1.png", "wb") as output:
+            self.mifread(*objects, code=3, capture_output=False, stdout=output, stderr=subprocess.DEVNULL)
+        self.mifread(*objects, "-o", "list", "--report", "d1/../list", code=2)
+        # Folders of documents are no files of others.
+        self.write("d3/a.mif", OBJECTS)
+        self.write("d3/a/1.png.mif", OBJECTS)
+        _, errors = self.mifread("objects", "-r", "d3", "-d", "out3", code=1)
+        self.assertIn(b"d3/a.mif: out3/a/1.png would be both a file and a folder", errors)
+
+    def test_no_input_is_written(self):
+        self.write("1.png", OBJECTS)
+        os.link(self.folder / "1.png", self.folder / "linked.mif")
+        (self.folder / "link.mif").symlink_to("1.png")
+        for document in "1.png", "linked.mif", "link.mif":
+            for output in ["-d", "."], ["-d", "out", "-o", "1.png"], ["-d", "out", "--report", "1.png"]:
+                code = 3 if output == ["-d", "."] else 2
+                _, errors = self.mifread("objects", document, *output, code=code)
+                self.assertIn(b"1.png would be both read and written", errors)
+        with open(self.folder / "1.png", "rb") as document:
+            self.mifread("objects", "-", "-d", ".", code=3, stdin=document)
+        with open(self.folder / "1.png", "ab") as output:
+            self.mifread("text", "1.png", code=2, capture_output=False, stdout=output, stderr=subprocess.DEVNULL)
+        self.write("tree/a.mif", HELLO)
+        os.link(self.folder / "tree/a.mif", self.folder / "tree/b.txt")
+        self.write("tree/b.mif", HELLO)
+        _, errors = self.mifread("text", "-r", "tree", "-d", "tree", code=1)
+        self.assertIn(b"tree/b.mif: tree/b.txt would be both read and written", errors)
+        self.assertEqual((self.folder / "tree/a.txt").read_bytes(), b"hello\n")
+        self.assertEqual((self.folder / "tree/b.txt").read_bytes(), HELLO)
+        self.assertEqual((self.folder / "1.png").read_bytes(), OBJECTS)
+
+    def test_no_result_leaves_the_folder(self):
+        names = "...mif", "..mif", ".mif", "-.mif", "....mif", ".. .mif", "[.mif", "a\\..\\b.mif", "\n.mif"
+        for name in names:
+            self.write(f"in/{name}", OBJECTS)
+        for command in "objects", "text":
+            self.mifread(command, "-r", "in", "-d", f"r/{command}/out")
+            self.assertEqual(len(list((self.folder / "r" / command / "out").iterdir())), len(names) - 1)  # not .mif
+            self.mifread(command, *(f"in/{name}" for name in names), "-d", f"n/{command}/out")
+            self.assertEqual(len(list((self.folder / "n" / command / "out").iterdir())), len(names))
+        for folder in "r", "n":
+            above = [str(path.relative_to(self.folder)) for path in (self.folder / folder).glob("*/*")]
+            self.assertEqual(sorted(above), [f"{folder}/objects/out", f"{folder}/text/out"])
+        self.assertEqual({path.name for path in self.folder.iterdir()}, {"a.mif", "in", "r", "n"})
+
+    def test_a_replaced_file_gives_no_rights(self):
+        umask = os.umask(0o027)
+        self.addCleanup(os.umask, umask)
+        own, foreign = self.write("own.txt", b""), self.write("foreign.txt", b"")
+        own.chmod(0o6751)
+        foreign.chmod(0o4777)
+        if os.geteuid() == 0:
+            os.chown(foreign, NOBODY, NOBODY)  # which takes the bit away
+            foreign.chmod(0o4777)
+        for name in "own.txt", "foreign.txt", "new.txt":
+            self.mifread("text", "a.mif", "-o", name)
+        results = [stat.S_IMODE((self.folder / name).stat().st_mode) for name in ("own.txt", "foreign.txt", "new.txt")]
+        self.assertEqual(results, [0o751, 0o640 if os.geteuid() == 0 else 0o777, 0o640])
+        self.assertEqual(foreign.stat().st_uid, os.geteuid())
+
+    def test_a_read_only_file_is_left_alone(self):
+        for path in self.write("kept.txt", b"kept"), self.write("out/a.txt", b"kept"):
+            path.chmod(0o444)
+            to = ["-d", "out"] if path.name == "a.txt" else ["-o", "kept.txt"]
+            _, errors = self.mifread("text", "a.mif", *to, code=3, preexec_fn=obey_permissions)
+            self.assertIn(b"Permission denied", errors)
+            self.assertEqual(path.read_bytes(), b"kept")
+
+    @unittest.skipIf(os.geteuid() != 0, "only root can play another user")
+    def test_what_another_user_planted_is_not_followed(self):
+        shared = self.folder / "shared"
+        shared.mkdir()
+        shared.chmod(0o1777)
+        kept = self.write("kept.txt", b"kept")
+        (shared / "link.txt").symlink_to(kept)
+        (shared / "dangling.txt").symlink_to(self.folder / "new.txt")
+        (shared / "folder").symlink_to(self.folder)
+        os.mkfifo(shared / "pipe.txt")
+        for path in shared.iterdir():
+            os.lchown(path, NOBODY, NOBODY)
+        (self.folder / "own.txt").symlink_to("shared/link.txt")
+        for name in "own.txt", "shared/link.txt", "shared/dangling.txt", "shared/pipe.txt", "shared/folder/kept.txt":
+            _, errors = self.mifread("text", "a.mif", "-o", name, code=3, timeout=20)
+            self.assertIn(b"of another user", errors)
+        for name in "link", "dangling", "pipe", "folder/b":
+            self.write(f"in/{name}.mif", HELLO)
+        self.mifread("text", "-r", "in", "-d", "shared", code=3, timeout=20)
+        self.mifread("text", "a.mif", "-d", "shared/folder", code=3, timeout=20)
+        self.assertEqual(kept.read_bytes(), b"kept")
+        self.assertEqual({path.name for path in self.folder.iterdir()},
+                         {"a.mif", "in", "kept.txt", "own.txt", "shared"})
+
+    def test_no_temporary_file_stays(self):
+        self.write("long.mif", HELLO * 100000)
+        full = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100000, 100000))}
+        _, errors = self.mifread("text", "long.mif", "-o", "result.txt", code=3, **full)
+        self.assertIn(b"File too large", errors)
+        self.mifread("text", "long.mif", "a.mif", "a.mif", "-j", "2", "-o", "result.txt", code=3, **full)
+        self.mifread("text", "long.mif", "a.mif", "-d", "out", code=1, **full)
+        with subprocess.Popen([MIFREAD, "text", "-", "-o", "result.txt"], cwd=self.folder, stdin=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL) as run:
+            while not list(self.folder.glob(".*")):
+                time.sleep(0.01)
+            run.terminate()
+        self.assertEqual(run.returncode, -signal.SIGTERM)
+        present = {str(path.relative_to(self.folder)) for path in self.folder.rglob("*")}
+        self.assertEqual(present, {"a.mif", "long.mif", "out", "out/a.txt"})
 
 
 class Costs(InFolder):

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <new>
@@ -18,12 +19,15 @@
 #include <oneapi/tbb/parallel_pipeline.h>
 #include <oneapi/tbb/task_arena.h>
 
+#include "claims.h"
+#include "dry_run.h"
 #include "inputs.h"
 #include "mifhost/error.h"
 #include "mifhost/plugin.h"
 #include "mifhost/stream.h"
 #include "output.h"
 #include "paths.h"
+#include "plan.h"
 #include "progress.h"
 #include "report.h"
 
@@ -43,30 +47,17 @@ constexpr std::uint64_t outputAlways = std::uint64_t{64} * 1024 * 1024;
 constexpr std::size_t waitingOutcomes = 64;
 constexpr std::size_t waitingParts = 4;
 
-fs::path resultPath(const Input &input, const Options &options, const Command &command)
+// A file in the folder for results may be the first thing there.
+void makeFolderOf(const std::string &file, const Options &options, Claims &claims)
 {
-    fs::path path = pathOf(options.folder) / input.result;
-    path += command.extension;
-    return path;
-}
-
-// The paths of all that will be written, but for the files of commands that name their own.
-std::vector<std::string> listOutputs(const std::vector<Input> &inputs, const Options &options, const Command &command)
-{
-    std::vector<std::string> outputs;
-    if (!options.report.empty()) {
-        outputs.push_back(options.report);
+    if (options.folder.empty() || file.empty() || file == "-") {
+        return;
     }
-    if (options.folder.empty() || command.results == Results::Files) {
-        outputs.push_back(options.output);
-        return outputs;
+    const fs::path results = claims.placeOf(pathOf(options.folder));
+    const fs::path folder = claims.placeOf(pathOf(file)).parent_path();
+    if (std::mismatch(results.begin(), results.end(), folder.begin(), folder.end()).first == results.end()) {
+        makeFolder(pathOf(file).parent_path());
     }
-    for (const Input &input : inputs) {
-        if (input.failure.empty()) {
-            outputs.push_back(textOf(resultPath(input, options, command)));
-        }
-    }
-    return outputs;
 }
 
 // A document on its way through the pipeline.
@@ -137,7 +128,7 @@ void noteFailure(Outcome &outcome, bool sharesOutput)
 class Batch
 {
 public:
-    Batch(const Options &options, const Command &command, std::vector<Input> inputs);
+    Batch(const Options &options, const Command &command, const std::vector<Input> &inputs, Claims &claims);
 
     ExitCode run();
 
@@ -146,9 +137,10 @@ private:
     {
         return output_ == nullptr;
     }
-    fs::path folderOf(const Input &input) const;
     bool writeResults();
     void runPipeline();
+    template <typename Step>
+    void attempt(Step step);
     JobPointer nextJob(oneapi::tbb::flow_control &flow);
     void convert(Job &job);
     void convertToFile(Job &job);
@@ -158,13 +150,16 @@ private:
 
     const Options &options_;
     const Command &command_;
-    const std::vector<Input> inputs_;
+    const std::vector<Input> &inputs_;
+    Claims &claims_;
     const unsigned jobs_;
     const mifhost::Plugin plugin_;
     std::unique_ptr<OutputFile> output_; // the joined one; null when each document has a file of its own
     bool isDirect_ = false;              // documents go straight to the joined output, as only one is at work
     std::size_t nextInput_ = 0;
     std::atomic<bool> stop_ = false;
+    std::atomic<bool> hasFailed_ = false; // as a whole
+    std::exception_ptr failure_;
     Report report_;
     Progress progress_;
 };
@@ -188,8 +183,8 @@ std::uint64_t sumSizes(const std::vector<Input> &inputs)
     return sum;
 }
 
-Batch::Batch(const Options &options, const Command &command, std::vector<Input> inputs)
-    : options_(options), command_(command), inputs_(std::move(inputs)), jobs_(countJobs(options, inputs_.size())),
+Batch::Batch(const Options &options, const Command &command, const std::vector<Input> &inputs, Claims &claims)
+    : options_(options), command_(command), inputs_(inputs), claims_(claims), jobs_(countJobs(options, inputs_.size())),
       plugin_(options.plugin.empty() ? mifhost::Plugin::linked() : mifhost::Plugin::load(options.plugin)),
       report_(options.report),
       progress_(!options.quiet && canShowProgress(options.folder.empty() ? options.output : options.folder),
@@ -204,6 +199,7 @@ Batch::Batch(const Options &options, const Command &command, std::vector<Input> 
 ExitCode Batch::run()
 {
     const bool isWritten = writeResults();
+    report_.setNotBegun(inputs_.size() - nextInput_);
     const int signal = caughtSignal();
     const ExitCode code = isWritten ? report_.exitCode() : ExitCode::Io;
     // The way in which shells tell that a signal ended a program.
@@ -240,13 +236,34 @@ void Batch::runPipeline()
                                                            [this](tbb::flow_control &flow) { return nextJob(flow); });
     const auto conversion =
         tbb::make_filter<JobPointer, JobPointer>(tbb::filter_mode::parallel, [this](JobPointer job) {
-            convert(*job);
+            attempt([&] { convert(*job); });
             return job;
         });
-    const auto sink = tbb::make_filter<JobPointer, void>(tbb::filter_mode::serial_in_order,
-                                                         [this](const JobPointer &job) { finish(*job); });
+    const auto sink = tbb::make_filter<JobPointer, void>(
+        tbb::filter_mode::serial_in_order, [this](const JobPointer &job) { attempt([&] { finish(*job); }); });
     tbb::task_arena arena(static_cast<int>(jobs_));
     arena.execute([&] { tbb::parallel_pipeline(waiting, source & conversion & sink); });
+    if (failure_ != nullptr) {
+        std::rethrow_exception(failure_);
+    }
+}
+
+// Carries out a step of the pipeline, which would lose the documents in it if an exception went through. The first
+// exception ends the run.
+template <typename Step>
+void Batch::attempt(Step step)
+{
+    if (hasFailed_) {
+        return;
+    }
+    try {
+        step();
+    } catch (...) {
+        stop_ = true;
+        if (!hasFailed_.exchange(true)) {
+            failure_ = std::current_exception();
+        }
+    }
 }
 
 JobPointer Batch::nextJob(oneapi::tbb::flow_control &flow)
@@ -268,6 +285,12 @@ void Batch::convert(Job &job)
     if (!job.input->failure.empty()) {
         outcome.code = ExitCode::Io;
         outcome.messages.push_back(fmt::format("{}: {}", job.input->path, job.input->failure));
+        return;
+    }
+    if (options_.update && isUpToDate(*job.input)) {
+        outcome.isLeftAlone = true;
+        outcome.result = textOf(job.input->result);
+        progress_.addBytes(outcome.size);
         return;
     }
     const auto start = std::chrono::steady_clock::now();
@@ -292,9 +315,8 @@ void Batch::convert(Job &job)
 
 void Batch::convertToFile(Job &job)
 {
-    const fs::path path = resultPath(*job.input, options_, command_);
-    makeFolder(path.parent_path());
-    OutputFile file(textOf(path));
+    makeFolder(job.input->result.parent_path());
+    OutputFile file(textOf(job.input->result));
     convertTo(job, file);
     file.commit();
     job.outcome.result = file.name();
@@ -311,21 +333,13 @@ void Batch::convertTo(Job &job, Output &output)
     const std::uint64_t limit =
         options_.maxOutput > 0 ? options_.maxOutput : std::max(outputAlways, outputRatio * stream.size());
     DocumentProgress progress(progress_, stream.size());
-    Conversion conversion(document, output, folderOf(*job.input), {limit},
+    Conversion conversion(document, output, job.input->result, claims_, {limit},
                           [&progress](int percent) { progress.reach(percent); });
     command_.convert(conversion);
     outcome.messages = conversion.losses();
     if (!outcome.messages.empty()) {
         outcome.code = ExitCode::Losses;
     }
-}
-
-// A single document has the folder for itself.
-fs::path Batch::folderOf(const Input &input) const
-{
-    const bool isAlone = options_.inputs.size() == 1 && !options_.recursive;
-    const fs::path folder = pathOf(options_.folder);
-    return isAlone ? folder : folder / input.result;
 }
 
 void Batch::finish(Job &job)
@@ -366,17 +380,28 @@ ExitCode convertDocuments(const Options &options, const Command &command)
 {
     Progress messages(false, 0, 0);
     try {
-        std::vector<Input> inputs = findInputs(options.inputs, options.recursive);
-        if (command.results == Results::Single && options.folder.empty() && inputs.size() > 1) {
+        Inputs inputs = findInputs(options);
+        if (command.results == Results::Single && options.folder.empty() && inputs.documents.size() > 1) {
             messages.complain("several documents need a folder for their results: give -d DIR");
             return ExitCode::Usage;
         }
-        const std::string collision = findCollision(inputs, listOutputs(inputs, options, command));
-        if (!collision.empty()) {
-            messages.complain(collision);
+        Claims claims;
+        const std::string clash = planResults(inputs.documents, options, command, claims);
+        if (!clash.empty()) {
+            messages.complain(clash);
             return ExitCode::Usage;
         }
-        return Batch(options, command, std::move(inputs)).run();
+        if (!options.quiet) {
+            for (const std::string &note : inputs.notes) {
+                messages.complain(note);
+            }
+        }
+        if (options.dryRun) {
+            return showPlan(inputs.documents, options, command, messages);
+        }
+        makeFolderOf(options.report, options, claims);
+        makeFolderOf(options.output, options, claims);
+        return Batch(options, command, inputs.documents, claims).run();
     } catch (const mifhost::Error &error) { // the plug-in or the output
         messages.complain(error.what());
         return ExitCode::Io;

@@ -10,6 +10,7 @@
 
 #include "mifhost/error.h"
 #include "mifhost/source_check.h"
+#include "paths.h"
 #include "system.h"
 
 namespace mifread
@@ -56,11 +57,21 @@ int caughtSignal() noexcept
     return signalCaught;
 }
 
-Conversion::Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, const Limits &limits,
-                       Progress progress)
-    : document_(document), output_(output), folder_(std::move(folder)), limits_(limits), progress_(std::move(progress)),
-      outputStart_(output.size())
+Conversion::Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, Claims &claims,
+                       const Limits &limits, Progress progress)
+    : document_(document), output_(output), folder_(std::move(folder)), claims_(claims), limits_(limits),
+      progress_(std::move(progress)), outputStart_(output.size())
 {
+}
+
+std::filesystem::path Conversion::claimFile(const std::string &name)
+{
+    std::filesystem::path path = folder_ / name;
+    const std::string obstacle = claims_.claim(textOf(path));
+    if (!obstacle.empty()) {
+        throw OutputError("", std::nullopt, obstacle);
+    }
+    return path;
 }
 
 const mifhost::Token *Conversion::next()

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "claims.h"
 #include "mifhost/charset.h"
 #include "mifhost/document.h"
 #include "output.h"
@@ -43,8 +44,9 @@ public:
     // document  from its first token
     // output    what the command writes to; it may hold parts of other documents
     // folder    where files that belong to the document go
-    Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, const Limits &limits,
-               Progress progress);
+    // claims    of all files of the run
+    Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, Claims &claims,
+               const Limits &limits, Progress progress);
 
     // Returns the document's next token, null at its end, and writes what the output has collected. Throws as
     // Document::next() does, and LimitReached when too much was written, OutputError, Interrupted.
@@ -66,10 +68,9 @@ public:
     {
         return output_.text();
     }
-    const std::filesystem::path &folder() const noexcept
-    {
-        return folder_;
-    }
+    // The path of a file of this name in the document's folder. Throws OutputError when the run reads or writes it
+    // already.
+    std::filesystem::path claimFile(const std::string &name);
 
     // Converts text to UTF-8. What cannot be converted is a loss.
     mifhost::Windows1252 &charset() noexcept
@@ -91,6 +92,7 @@ private:
     mifhost::Document &document_;
     Output &output_;
     std::filesystem::path folder_;
+    Claims &claims_;
     Limits limits_;
     Progress progress_;
     mifhost::Windows1252 charset_;

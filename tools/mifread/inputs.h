@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "options.h"
+
 namespace mifread
 {
 
@@ -16,16 +18,19 @@ struct Input {
     std::filesystem::path result; // of its results, below the folder for results, without an extension
     std::uint64_t size = 0;       // bytes; 0 where it is not known
     std::string failure;          // why there is nothing to read; empty as a rule
+    bool isNamed = true;          // by an argument, not found in a folder or a list
 };
 
-// Lists the documents that the arguments name, in their order. With recursive a folder stands for all files in it, and
-// in the folders in it, whose names end in .mif, in the order of their names; their results keep the tree. Links to
-// folders are not followed.
-std::vector<Input> findInputs(const std::vector<std::string> &arguments, bool recursive);
+struct Inputs {
+    std::vector<Input> documents;
+    std::vector<std::string> notes; // on what was passed over
+};
 
-// Returns a message when an input would be overwritten, or when two of the outputs, paths of files or "-", would be
-// written to one place; else an empty text.
-std::string findCollision(const std::vector<Input> &inputs, const std::vector<std::string> &outputs);
+// Lists the documents that the arguments name, and then those that the list of the options names, in their order. With
+// Options::recursive a folder stands for all files in it, and in the folders in it, whose names end in .mif, in the
+// order of their names; their results keep the tree. Links to folders are not followed. A result is always below the
+// folder for results, whatever its document is called. Throws mifhost::Error when the list cannot be read.
+Inputs findInputs(const Options &options);
 
 } // namespace mifread
 

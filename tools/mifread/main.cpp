@@ -72,27 +72,39 @@ CLI::App *addBatchCommand(CLI::App &program, const char *name, const char *descr
     CLI::App *command = addCommand(program, name, description, options);
     CLI::Option *inputs = command->get_option("FILE");
     inputs->description("The documents, or with -r folders of them; - is standard input")
+        ->required(false)
         ->expected(1, CLI::detail::expected_max_vector_size);
+    CLI::Option *list = command->add_option("--files-from", options.list,
+                                            "Take the documents that this file names, too, one a line; - is standard "
+                                            "input");
+    list->type_name("FILE")->check(isNotEmpty);
+    command->add_flag("-0,--null", options.isListNulSeparated, "The names in that file end with NUL, not with lines")
+        ->needs(list);
     command->add_flag("-r,--recursive", options.recursive, "Take all .mif documents in the given folders");
     command->add_option("-j,--jobs", options.jobs, "Documents to convert at once; one for each processor if not given")
         ->type_name("N")
         ->check(CLI::Range(1, 1024));
     command->add_flag("--fail-fast", options.failFast, "Stop at the first document that fails");
+    command->add_flag("--dry-run", options.dryRun, "Only say what would be written where");
     command->add_option("--report", options.report, "Write how each document fared to this file, as JSON")
         ->type_name("FILE")
         ->check(isNotEmpty);
     command->add_flag("-q,--quiet", options.quiet, "Show no progress and no summary, only what failed or was lost");
+    command->parse_complete_callback([&options] {
+        if (options.inputs.empty() && options.list.empty()) {
+            throw CLI::RequiredError("FILE");
+        }
+    });
     return command;
 }
 
 void addFolder(CLI::App &command, Options &options)
 {
-    command
-        .add_option("-d,--directory", options.folder,
-                    "Write a file for each document to this folder, made if it is missing; folders keep their tree")
-        ->type_name("DIR")
-        ->check(isNotEmpty)
-        ->excludes(command.get_option("--output"));
+    CLI::Option *folder = command.add_option(
+        "-d,--directory", options.folder,
+        "Write a file for each document to this folder, made if it is missing; folders keep their tree");
+    folder->type_name("DIR")->check(isNotEmpty)->excludes(command.get_option("--output"));
+    command.add_flag("--update", options.update, "Leave documents alone whose results are newer")->needs(folder);
 }
 
 // The argument parser takes brackets around an argument for a list; in front of a file's name ./ changes nothing else.

@@ -70,8 +70,9 @@ try {
     mifhost::Object object(conversion_.document(), frame.id);
     const std::size_t firstCount = object.read(block_);
     const FileType type = identifyFile(std::span(block_).first(firstCount));
-    makeFolder(conversion_.folder());
-    OutputFile file(textOf(conversion_.folder() / fmt::format("{}.{}", frame.id, type.extension)));
+    const std::filesystem::path path = conversion_.claimFile(fmt::format("{}.{}", frame.id, type.extension));
+    makeFolder(path.parent_path());
+    OutputFile file(textOf(path));
     copy(object, firstCount, file);
     file.commit();
     fmt::format_to(std::back_inserter(conversion_.text()), "{}\t{}\t{}\t{}\t{}\t{}\n", frame.id, type.mimeType,

@@ -21,6 +21,8 @@ enum class ExitCode {
 
 struct Options {
     std::vector<std::string> inputs; // paths; "-" is standard input
+    std::string list;                // a path, "-" is standard input; a file that names further inputs; empty for none
+    bool isListNulSeparated = false; // its names end with NUL, not with lines
     bool recursive = false;          // take the documents in folders
     std::string output = "-";        // a path; "-" is standard output
     std::string folder;              // a path; where results go as files of their own; empty for none
@@ -28,6 +30,8 @@ struct Options {
     unsigned jobs = 0;               // documents at once; 0 for as many as there are processors
     bool quiet = false;              // no progress, no summary
     bool failFast = false;           // stop at the first document that fails
+    bool update = false;             // leave documents alone whose results are newer
+    bool dryRun = false;             // only say what would be written where
 
     std::uint32_t bufferSize = 64 * 1024;                    // bytes
     std::string plugin;                                      // a path; empty: the reader the program is linked with

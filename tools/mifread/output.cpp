@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -19,10 +20,14 @@ namespace fs = std::filesystem;
 
 void makeFolder(const fs::path &folder)
 {
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (error) {
-        throw OutputError(textOf(folder), std::nullopt, "cannot make the folder: " + error.message());
+    std::error_code ignored;
+    if (fs::is_directory(folder, ignored)) { // who writes there looks at the way to it
+        return;
+    }
+    try {
+        makeFolders(folder);
+    } catch (const std::runtime_error &error) {
+        throw OutputError(textOf(folder), std::nullopt, error.what());
     }
 }
 
@@ -48,56 +53,34 @@ void Output::flush()
 
 void Output::fail(const char *what) const
 {
-    fail(what, {errno, std::generic_category()});
-}
-
-void Output::fail(const char *what, const std::error_code &reason) const
-{
-    throw OutputError(name_, std::nullopt, std::string(what) + ": " + reason.message());
+    throw OutputError(name_, std::nullopt, std::string(what) + ": " + std::generic_category().message(errno));
 }
 
 OutputFile::OutputFile(const std::string &path) : Output(path == "-" ? "standard output" : path)
 {
     if (path == "-") {
         file_ = mifhost::FileDescriptor(system::openStandardOutput());
-    } else {
-        openPath(pathOf(path));
+        if (file_.get() < 0) {
+            fail("cannot open for writing");
+        }
+        return;
     }
-    if (file_.get() < 0) {
-        fail("cannot open for writing");
+    try {
+        target_.emplace(pathOf(path));
+        file_ = target_->takeFile();
+    } catch (const std::runtime_error &error) {
+        throw OutputError(name_, std::nullopt, error.what());
     }
 }
 
 OutputFile::~OutputFile()
 {
-    if (!temporaryPath_.empty()) {
-        file_.close(); // an open one cannot be removed everywhere
-        std::error_code ignored;
-        fs::remove(temporaryPath_, ignored);
-    }
+    file_.close(); // before target_ removes it
 }
 
-void OutputFile::openPath(const fs::path &path)
+bool OutputFile::isDirect() const noexcept
 {
-    std::error_code ignored;
-    const bool exists = fs::exists(path, ignored);
-    if (exists && !fs::is_regular_file(path, ignored)) {
-        file_ = mifhost::FileDescriptor(system::openExisting(path));
-        return;
-    }
-    // A link stays a link: the file that it leads to is replaced.
-    targetPath_ = exists || fs::is_symlink(path, ignored) ? fs::weakly_canonical(path, ignored) : path;
-    const fs::path folder = targetPath_.parent_path();
-    const std::string stem = ".mifread-" + std::to_string(getpid()) + "-";
-    fs::path temporary;
-    int number = 0;
-    do {
-        temporary = folder / (stem + std::to_string(number++) + ".tmp");
-        file_ = mifhost::FileDescriptor(system::createFile(temporary, exists ? targetPath_ : fs::path()));
-    } while (file_.get() < 0 && errno == EEXIST);
-    if (file_.get() >= 0) {
-        temporaryPath_ = temporary;
-    }
+    return !target_.has_value() || target_->isDirect();
 }
 
 void OutputFile::keepPart() noexcept
@@ -107,7 +90,7 @@ void OutputFile::keepPart() noexcept
 
 void OutputFile::dropPart()
 {
-    if (temporaryPath_.empty()) {
+    if (isDirect()) {
         flush();
         return;
     }
@@ -130,15 +113,14 @@ void OutputFile::commit()
     if (file_.close() != 0) {
         fail("cannot write");
     }
-    if (temporaryPath_.empty()) {
+    if (!target_.has_value()) {
         return;
     }
-    std::error_code error;
-    fs::rename(temporaryPath_, targetPath_, error);
-    if (error) {
-        fail("cannot replace", error);
+    try {
+        target_->commit();
+    } catch (const std::runtime_error &error) {
+        throw OutputError(name_, std::nullopt, error.what());
     }
-    temporaryPath_.clear();
 }
 
 OutputPart::OutputPart() : Output("a temporary file") {}

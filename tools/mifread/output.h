@@ -5,11 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
-#include <system_error>
 
 #include "mifhost/error.h"
 #include "mifhost/stream.h"
+#include "target_file.h"
 
 namespace mifread
 {
@@ -65,7 +66,6 @@ protected:
     // Writes the text at hand to the file.
     void flush();
     [[noreturn]] void fail(const char *what) const; // for the reason that errno has
-    [[noreturn]] void fail(const char *what, const std::error_code &reason) const;
 
     // Makes sure that file_ is open; called before the first byte is written.
     virtual void open() = 0;
@@ -96,11 +96,10 @@ public:
 
 private:
     void open() override {}
-    void openPath(const std::filesystem::path &path);
+    bool isDirect() const noexcept;
 
-    std::filesystem::path targetPath_;    // what commit() renames the temporary file to
-    std::filesystem::path temporaryPath_; // empty when the output is written directly or is committed
-    std::uint64_t kept_ = 0;              // bytes of the output that keepPart() keeps
+    std::optional<TargetFile> target_; // none for standard output
+    std::uint64_t kept_ = 0;           // bytes of the output that keepPart() keeps
 };
 
 // A part of an output that has to wait for the parts before it. A short one stays in memory, a long one goes to a

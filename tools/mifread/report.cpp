@@ -13,9 +13,12 @@ using mifconvert::Json;
 namespace
 {
 
-std::string_view statusName(ExitCode code)
+std::string_view statusName(const Outcome &outcome)
 {
-    switch (code) {
+    if (outcome.isLeftAlone) {
+        return "left-alone";
+    }
+    switch (outcome.code) {
     case ExitCode::Success:
         return "converted";
     case ExitCode::Losses:
@@ -41,10 +44,12 @@ Report::Report(const std::string &path)
 
 void Report::add(const Outcome &outcome)
 {
-    const bool isFirst = converted_ + lossy_ + failures_.size() == 0;
+    const bool isFirst = converted_ + lossy_ + leftAlone_ + failures_.size() == 0;
     if (outcome.hasFailed()) {
         failures_.push_back(outcome.messages.front());
         failureKinds_.insert(outcome.code);
+    } else if (outcome.isLeftAlone) {
+        ++leftAlone_;
     } else if (outcome.code == ExitCode::Losses) {
         ++lossy_;
     } else {
@@ -54,8 +59,8 @@ void Report::add(const Outcome &outcome)
         return;
     }
     Json entry = {
-        {"input", outcome.input}, {"status", statusName(outcome.code)}, {"exitCode", static_cast<int>(outcome.code)},
-        {"bytes", outcome.size},  {"seconds", outcome.seconds},         {"messages", outcome.messages}};
+        {"input", outcome.input}, {"status", statusName(outcome)}, {"exitCode", static_cast<int>(outcome.code)},
+        {"bytes", outcome.size},  {"seconds", outcome.seconds},    {"messages", outcome.messages}};
     if (!outcome.result.empty()) {
         entry["result"] = outcome.result;
     }
@@ -72,7 +77,11 @@ void Report::finish(int exitCode, int signal)
     if (file_ == nullptr) {
         return;
     }
-    const Json counts = {{"converted", converted_}, {"losses", lossy_}, {"failed", failures_.size()}};
+    const Json counts = {{"converted", converted_},
+                         {"losses", lossy_},
+                         {"leftAlone", leftAlone_},
+                         {"failed", failures_.size()},
+                         {"notBegun", notBegun_}};
     file_->text() += fmt::format("\n], \"counts\": {}, \"interrupted\": {}, \"exitCode\": {}}}\n",
                                  mifconvert::dumpJson(counts), signal != 0, exitCode);
     file_->commit();
@@ -80,13 +89,19 @@ void Report::finish(int exitCode, int signal)
 
 void Report::summarize(Progress &progress) const
 {
-    const std::size_t all = converted_ + lossy_ + failures_.size();
+    const std::size_t all = converted_ + lossy_ + leftAlone_ + failures_.size() + notBegun_;
     if (all < 2) {
         return;
     }
     std::string counts = fmt::format("{} documents: {} converted", all, converted_);
     if (lossy_ > 0) {
         counts += fmt::format(", {} converted with losses", lossy_);
+    }
+    if (leftAlone_ > 0) {
+        counts += fmt::format(", {} left alone", leftAlone_);
+    }
+    if (notBegun_ > 0) {
+        counts += fmt::format(", {} not begun", notBegun_);
     }
     if (!failures_.empty()) {
         counts += fmt::format(", {} failed:", failures_.size());
@@ -102,7 +117,7 @@ ExitCode Report::exitCode() const
     if (failures_.empty()) {
         return lossy_ > 0 ? ExitCode::Losses : ExitCode::Success;
     }
-    return failureKinds_.size() == 1 && !anyConverted() ? *failureKinds_.begin() : ExitCode::Losses;
+    return failureKinds_.size() == 1 && !anyConverted() && leftAlone_ == 0 ? *failureKinds_.begin() : ExitCode::Losses;
 }
 
 } // namespace mifread

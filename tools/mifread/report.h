@@ -26,6 +26,7 @@ struct Outcome {
     std::optional<std::uint64_t> position; // the byte of the document where it failed, where it is known
     std::uint64_t size = 0;                // of the document, in bytes
     double seconds = 0;
+    bool isLeftAlone = false; // its result is newer
 
     bool hasFailed() const noexcept
     {
@@ -41,6 +42,12 @@ public:
     explicit Report(const std::string &path);
 
     void add(const Outcome &outcome);
+
+    // count  how many documents the run was ended before
+    void setNotBegun(std::size_t count) noexcept
+    {
+        notBegun_ = count;
+    }
 
     // Completes the file for programs. Throws OutputError.
     // exitCode  of the program
@@ -66,6 +73,8 @@ private:
     std::unique_ptr<OutputFile> file_;
     std::size_t converted_ = 0; // without losses
     std::size_t lossy_ = 0;
+    std::size_t leftAlone_ = 0;
+    std::size_t notBegun_ = 0;
     std::vector<std::string> failures_; // the messages
     std::set<ExitCode> failureKinds_;
 };

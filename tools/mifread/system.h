@@ -2,8 +2,11 @@
 #ifndef MIFREAD_SYSTEM_H
 #define MIFREAD_SYSTEM_H
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace mifread
@@ -17,24 +20,23 @@ namespace system
 {
 
 // Readies standard input, output and error: files that are opened later do not get their numbers, output is bytes, and
-// a reader of the output that goes away is a write error like others. To be called first.
+// a reader of the output that goes away, or a file that reaches the largest size that the user is allowed, is a write
+// error like others. To be called first.
 void prepareStandardStreams();
 
 // Whether a descriptor is a terminal that understands escape sequences.
 bool isTerminal(int file) noexcept;
 
-// Files. Descriptors are opened to write bytes and not inherited by programs that are started. What fails returns -1
-// and sets errno.
-
-// A descriptor of its own for the file that is standard output, above those of the standard streams.
+// A descriptor of its own for the file that is standard output, above those of the standard streams, not inherited by
+// programs that are started. -1 with errno set if there can be none.
 int openStandardOutput() noexcept;
 
-int openExisting(const std::filesystem::path &path) noexcept;
+// Tells files apart whatever they are called: the device, and the file there.
+using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
 
-// Makes a file, which must not be there; errno is EEXIST if it is.
-// model  a file whose permissions it gets; empty for the usual ones. Where folders give permissions to files it is not
-//        looked at.
-int createFile(const std::filesystem::path &path, const std::filesystem::path &model) noexcept;
+// That of the file behind a path or an open descriptor; none when there is no file, or not a regular one.
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path) noexcept;
+std::optional<FileIdentity> identityOf(int file) noexcept;
 
 // The same for all spellings of a path that lead to one file, as far as the system takes names for the same. For paths
 // without links and dots.

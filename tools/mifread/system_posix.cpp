@@ -9,6 +9,16 @@
 namespace mifread::system
 {
 
+namespace
+{
+
+std::optional<FileIdentity> identityOf(const struct stat &status) noexcept
+{
+    return S_ISREG(status.st_mode) ? std::optional(FileIdentity(status.st_dev, status.st_ino)) : std::nullopt;
+}
+
+} // namespace
+
 void prepareStandardStreams()
 {
     int descriptor = 0;
@@ -19,6 +29,7 @@ void prepareStandardStreams()
         close(descriptor);
     }
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool isTerminal(int file) noexcept
@@ -31,20 +42,18 @@ int openStandardOutput() noexcept
     return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
-int openExisting(const std::filesystem::path &path) noexcept
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path) noexcept
 {
-    return open(path.c_str(), O_WRONLY | O_CLOEXEC);
-}
-
-int createFile(const std::filesystem::path &path, const std::filesystem::path &model) noexcept
-{
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     struct stat status {
     };
-    if (file >= 0 && !model.empty() && stat(model.c_str(), &status) == 0) {
-        fchmod(file, status.st_mode & 07777);
-    }
-    return file;
+    return stat(path.c_str(), &status) == 0 ? identityOf(status) : std::nullopt;
+}
+
+std::optional<FileIdentity> identityOf(int file) noexcept
+{
+    struct stat status {
+    };
+    return fstat(file, &status) == 0 ? identityOf(status) : std::nullopt;
 }
 
 std::filesystem::path spellingOf(const std::filesystem::path &path)

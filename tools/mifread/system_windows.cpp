@@ -7,7 +7,6 @@
 
 #include <fcntl.h>
 #include <io.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <windows.h>
 
@@ -21,11 +20,19 @@ namespace mifread::system
 namespace
 {
 
-constexpr int ownBytes = _O_BINARY | _O_NOINHERIT;
-
 HANDLE handleOf(int file) noexcept
 {
     return reinterpret_cast<HANDLE>(_get_osfhandle(file));
+}
+
+std::optional<FileIdentity> identityOf(HANDLE handle) noexcept
+{
+    BY_HANDLE_FILE_INFORMATION status{};
+    if (GetFileType(handle) != FILE_TYPE_DISK || GetFileInformationByHandle(handle, &status) == 0) {
+        return std::nullopt;
+    }
+    const std::uint64_t high = status.nFileIndexHigh;
+    return FileIdentity(status.dwVolumeSerialNumber, high << 32 | status.nFileIndexLow);
 }
 
 // What is not UTF-16, as names of files may be, becomes U+FFFD.
@@ -65,14 +72,21 @@ int openStandardOutput() noexcept
     return _dup(STDOUT_FILENO);
 }
 
-int openExisting(const std::filesystem::path &path) noexcept
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path) noexcept
 {
-    return _wopen(path.c_str(), _O_WRONLY | ownBytes);
+    constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle = CreateFileW(path.c_str(), 0, shared, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return std::nullopt;
+    }
+    const auto identity = identityOf(handle);
+    CloseHandle(handle);
+    return identity;
 }
 
-int createFile(const std::filesystem::path &path, const std::filesystem::path & /*model*/) noexcept
+std::optional<FileIdentity> identityOf(int file) noexcept
 {
-    return _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | ownBytes, _S_IREAD | _S_IWRITE);
+    return identityOf(handleOf(file));
 }
 
 std::filesystem::path spellingOf(const std::filesystem::path &path)
