@@ -31,7 +31,7 @@ _mifread()
         [text]=$batch
         [html]=$batch
         [json]="$batch --objects"
-        [objects]=$many
+        [objects]="$many --json"
         [info]="$batch --json"
         [tokens]=$single
     )

@@ -14,7 +14,12 @@ head -c 20000 /dev/urandom >random
 : >empty
 
 # Usage, help and version.
-run 2 'subcommand'
+run 2 'no command; give one of text, '
+run 2 'there are text, .*mifread text good.mif\?' good.mif
+run 2 'Did you mean: mifread text\?' txt good.mif
+run 2 'max-memory: must be more than 0$' text --max-memory 0 good.mif
+"$mifread" --help 2>err >/dev/full; [ $? -eq 3 ] || fail 'help on a full disk'
+"$mifread" --version 2>err >&-; [ $? -eq 3 ] || fail 'the version on a closed standard output'
 run 2 'help' text
 run 2 'help' text --nonsense good.mif
 run 2 'help' text --buffer 0 good.mif
@@ -27,6 +32,20 @@ run 3 'missing: .*No such file' text missing
 run 3 '\.: .*directory' text .
 run 4 'empty: .*empty' text empty; silent
 run 4 'random: .*MIF' text random; silent
+
+# What a file is instead of a document.
+printf '\xef\xbb\xbf<MIFFile 5>' >bom
+iconv -t UTF-16 good.mif >utf16
+iconv -t UTF-16LE good.mif >utf16le
+gzip -c good.mif >zipped
+printf '<Book 5.00>' >book
+printf '%%PDF-1.4\n' >pdf
+run 4 'bom: .*byte order mark' text bom
+run 4 'utf16: .*iconv -f UTF-16 ' text utf16
+run 4 'utf16le: .*iconv -f UTF-16LE ' text utf16le
+run 4 'zipped: .*gunzip' text zipped
+run 4 'book: .*a book' text book
+run 4 'pdf: .*type is application/pdf$' text pdf
 run 1 'truncated.mif: byte [0-9]+: .*ends inside' text truncated.mif; says one out
 run 1 'long.mif: byte [0-9]+: .*4096' text long.mif; says two out
 run 1 'undefined.mif: .*Windows-1252' text undefined.mif

@@ -3,7 +3,9 @@
 import base64
 import ctypes
 import json
+import json
 import os
+import pty
 import re
 import resource
 import signal
@@ -213,6 +215,12 @@ class Files(InFolder):
         present = {str(path.relative_to(self.folder)) for path in self.folder.rglob("*")}
         self.assertEqual(present, {"a.mif", "long.mif", "out", "out/a.txt"})
 
+    def test_no_library_comes_from_the_current_folder(self):
+        for library in ("libmagic.so.1", "libtbb.so.12", "libfmt.so.9", "libmifreader.so.0"):
+            self.write(library, b"planted")
+        self.write("a.mif", HEADER)
+        self.mifread("text", "a.mif")
+
 
 class Costs(InFolder):
     """Time, memory and room."""
@@ -220,6 +228,69 @@ class Costs(InFolder):
 
 class Words(InFolder):
     """What is shown."""
+
+    COMMANDS = "\x1b[31m\x07\x7f\x9b2J\u202e\u2066\t"
+    # C0 but line ends and the tabs between the fields of a list, DEL, C1, and what sets the direction of text.
+    HARMFUL = re.compile("[\x00-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]")
+
+    def document(self):
+        """A document whose name, font, text and object are full of commands."""
+        name = f"a{self.COMMANDS}\nforged: 1.mif"
+        family = "".join(f"\\x{byte:02x} " for byte in b"\x1b[31m\x07\x7f\n")
+        self.write(name, HEADER + f"""<AFrames <Frame <ID 5> <ImportObject
+=A
+&{self.COMMANDS}
+=EndInset
+>>>
+<TextRectID 9><Para <Font <FFamily `{family}'>> <String `{family} x'> <AFrame 5>> <String `cut""".encode())
+        return name
+
+    def test_names_and_messages_are_escaped(self):
+        name = self.document()
+        folder = f"to{self.COMMANDS}\n"
+        for arguments in (["info", name], ["info", "--json", name], ["objects", name, "-d", folder],
+                          ["objects", "--json", name, "-d", folder], ["tokens", name],
+                          ["text", name, "-d", folder], ["text", "--dry-run", name, "-d", folder],
+                          ["text", name + "missing"], [name], ["text", "--" + self.COMMANDS]):
+            with self.subTest(arguments=arguments):
+                result = subprocess.run([MIFREAD, *arguments], cwd=self.folder, capture_output=True, check=False)
+                shown = (result.stdout + result.stderr).decode("utf-8")
+                self.assertIsNone(self.HARMFUL.search(shown), shown)
+                self.assertNotIn("\nforged", shown)
+
+    def test_rows_of_objects_stay_rows(self):
+        name = self.document()
+        folder = f"to{self.COMMANDS}\n"
+        rows = self.mifread("objects", name, "-d", folder, code=1)[0].decode().split("\n")
+        self.assertEqual([row.count("\t") for row in rows], [5, 5, 0])
+        raw = self.mifread("objects", "-0", name, "-d", folder, code=1)[0].decode()
+        self.assertEqual(raw.split("\t", 5)[5], f"{folder}/5.bin\0")
+        listed = json.loads(self.mifread("objects", "--json", name, "-d", folder, code=1)[0])
+        self.assertEqual((listed["document"], listed["file"]), (name, f"{folder}/5.bin"))
+
+    def test_text_does_not_command_a_terminal(self):
+        name = self.document()
+        master, terminal = pty.openpty()
+        with open(master, "rb", buffering=0) as screen:
+            with open(terminal, "wb", buffering=0) as output:
+                subprocess.run([MIFREAD, "text", name], cwd=self.folder, stdout=output, stderr=subprocess.DEVNULL,
+                               check=False)
+            shown = screen.read(4096).decode("utf-8").replace("\r\n", "\n")
+        self.assertIsNone(self.HARMFUL.search(shown), shown)
+        self.assertIn("\\x1b[31m\\x07\\x7f", shown)
+        self.assertIn(b"\x1b[31m", self.mifread("text", name, code=1)[0], "a pipe gets what the document holds")
+
+    def test_a_page_loads_nothing_and_runs_no_script(self):
+        for path in sorted((SOURCE / "tests" / "documents").glob("*.mif")):
+            page = subprocess.run([MIFREAD, "html", path], capture_output=True, check=False).stdout.decode("utf-8")
+            self.assertIn("http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
+                          "'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'\"", page)
+            tags = re.findall(r"<(\w+)([^>]*)>", page)
+            self.assertLessEqual({name for name, _ in tags},
+                                 set("html head meta title style body p span br div table col tr td img a".split())
+                                 | {"colgroup", "tbody"}, path)
+            for _, attributes in tags:
+                self.assertIsNone(re.search(r"\son\w+=|(src|href)=\"(?!data:)", attributes), path)
 
 
 class Promises(unittest.TestCase):

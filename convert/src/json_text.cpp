@@ -14,7 +14,7 @@ void appendJsonText(std::string_view text, mifhost::Windows1252 &charset, std::s
 
 std::string dumpJson(const Json &value)
 {
-    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return value.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
 } // namespace mifconvert

@@ -1,6 +1,7 @@
 #include "batch.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -9,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <span>
 #include <string>
 #include <thread>
 #include <utility>
@@ -29,6 +31,7 @@
 #include "paths.h"
 #include "plan.h"
 #include "progress.h"
+#include "refusal.h"
 #include "report.h"
 
 namespace mifread
@@ -93,6 +96,18 @@ private:
     std::uint64_t size_;
     std::uint64_t done_ = 0;
 };
+
+// Throws the refusal again, with what the file is.
+[[noreturn]] void throwExplained(const mifhost::NotMif &refusal, mifhost::Stream &stream)
+{
+    std::array<std::uint8_t, 4096> beginning{};
+    stream.seek(0);
+    const std::string explanation = explainRefusal(std::span(beginning).first(stream.read(beginning)));
+    if (explanation.empty()) {
+        throw refusal;
+    }
+    throw mifhost::NotMif("", refusal.position(), refusal.what() + (": " + explanation));
+}
 
 // Tells how a document failed, from the exception being handled. An output that several documents share fails them all
 // and goes on.
@@ -335,7 +350,11 @@ void Batch::convertTo(Job &job, Output &output)
     DocumentProgress progress(progress_, stream.size());
     Conversion conversion(document, output, job.input->result, claims_, {limit},
                           [&progress](int percent) { progress.reach(percent); });
-    command_.convert(conversion);
+    try {
+        command_.convert(conversion);
+    } catch (const mifhost::NotMif &error) {
+        throwExplained(error, stream);
+    }
     outcome.messages = conversion.losses();
     if (!outcome.messages.empty()) {
         outcome.code = ExitCode::Losses;

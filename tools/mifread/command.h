@@ -25,8 +25,8 @@ struct Command {
     std::string_view heading{};   // what an output begins with
 };
 
-// The document's text.
-Command textCommand();
+// The document's text. forTerminal: what would command the terminal is escaped.
+Command textCommand(bool forTerminal);
 
 // A page that shows it.
 Command htmlCommand();
@@ -34,8 +34,15 @@ Command htmlCommand();
 // Its token stream, one token a line, for people.
 Command tokensCommand();
 
+// How a list that is written looks.
+enum class Listing {
+    Rows,    // a line each, with a heading; names are escaped
+    NulRows, // the same rows with names as they are, each ended by NUL, no heading
+    Json     // a JSON object a line
+};
+
 // The data of its embedded objects, each in a file.
-Command objectsCommand();
+Command objectsCommand(Listing listing);
 
 // Its token stream, one token a line, for programs. withObjects: the data of its objects as well.
 Command jsonCommand(bool withObjects);

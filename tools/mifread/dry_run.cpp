@@ -1,6 +1,5 @@
 #include "dry_run.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -8,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "display.h"
 #include "output.h"
 #include "paths.h"
 #include "plan.h"
@@ -38,12 +38,9 @@ std::string findTarget(const Input &input, const Options &options, const Command
     return textOf(command.results == Results::Files ? input.result / "" : input.result);
 }
 
-// A line in which names are shown as in messages.
-void tell(Output &output, std::string line)
+void tell(Output &output, const std::string &line)
 {
-    std::replace_if(
-        line.begin(), line.end(), [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
-    output.text() += line + '\n';
+    output.text() += shown(line) + '\n';
     output.writeFullBlocks();
 }
 

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "display.h"
 #include "mifconvert/token_names.h"
 
 namespace mifread
@@ -42,14 +43,6 @@ std::string lengthsText(std::uint32_t width, std::uint32_t height)
     return fmt::format("{:.4g} x {:.4g} in", width / twipsToInch, height / twipsToInch);
 }
 
-// Names in a document may hold what a terminal would take for a command.
-std::string printable(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
-    return text;
-}
-
 std::string timeText(double seconds)
 {
     return seconds < 1 ? fmt::format("{:.1f} ms", seconds * 1000) : fmt::format("{:.2f} s", seconds);
@@ -64,7 +57,7 @@ double bytesPerSecond(const DocumentInfo &info)
 class Rows
 {
 public:
-    explicit Rows(const std::string &heading) : text_(heading + '\n') {}
+    explicit Rows(std::string_view heading) : text_(shown(heading) + '\n') {}
 
     void add(std::string_view label, std::string_view value)
     {
@@ -114,10 +107,10 @@ void addFonts(const DocumentInfo &info, Rows &rows)
 {
     std::size_t widest = 0;
     for (const FontInfo &font : info.fonts) {
-        widest = std::max(widest, font.name.size());
+        widest = std::max(widest, shown(font.name).size());
     }
     for (const FontInfo &font : info.fonts) {
-        rows.add("fonts", fmt::format("{:<{}}  {:<10}  {} pt", printable(font.name), widest, font.familyClass,
+        rows.add("fonts", fmt::format("{:<{}}  {:<10}  {} pt", shown(font.name), widest, font.familyClass,
                                       fmt::join(font.sizes, ", ")));
     }
 }
@@ -142,9 +135,9 @@ void addObjects(const DocumentInfo &info, Rows &rows)
     }
     for (const ObjectInfo &object : info.objects) {
         rows.add("objects",
-                 fmt::format("{:>{}}  {:<{}}  {:>9}  {}{}", printable(object.id), widestId, object.mimeType, widestType,
-                             sizeText(static_cast<double>(object.size)), lengthsText(object.width, object.height),
-                             object.isComplete ? "" : ", not complete"));
+                 fmt::format("{:>{}}  {:<{}}  {:>9}  {}{}", shown(object.id), widestId, shown(object.mimeType),
+                             widestType, sizeText(static_cast<double>(object.size)),
+                             lengthsText(object.width, object.height), object.isComplete ? "" : ", not complete"));
     }
 }
 
@@ -164,7 +157,7 @@ std::string infoText(const DocumentInfo &info)
     addTables(info, rows);
     addObjects(info, rows);
     for (const std::string &loss : info.losses) {
-        rows.add("losses", loss);
+        rows.add("losses", shown(loss));
     }
     rows.add("reader", fmt::format("{} of memory at most, {}, {}/s", sizeText(static_cast<double>(info.peakMemory)),
                                    timeText(info.seconds), sizeText(bytesPerSecond(info))));

@@ -2,17 +2,23 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
-#include <iostream>
+#include <numeric>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <unistd.h>
 
 #include "batch.h"
 #include "command.h"
 #include "mifhost/document.h"
 #include "options.h"
+#include "output.h"
+#include "progress.h"
 #include "system.h"
 
 namespace
@@ -31,7 +37,7 @@ constexpr const char *exitCodes =
     "  5  a limit was reached";
 
 // As the help shows them: not at all.
-const CLI::Validator isPositive = CLI::Validator(CLI::PositiveNumber).description("");
+const CLI::Validator isPositive([](const std::string &value) { return value == "0" ? "must be more than 0" : ""; }, "");
 const CLI::Validator isNotEmpty([](const std::string &value) { return value.empty() ? "must not be empty" : ""; }, "");
 
 // Adds a command that takes one document.
@@ -117,7 +123,134 @@ void protectBrackets(std::vector<std::string> &arguments)
     }
 }
 
-int run(std::vector<std::string> arguments)
+// How many letters have to be put in, taken out or changed to make one word of the other.
+std::size_t editDistance(std::string_view from, std::string_view to)
+{
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (const char letter : from) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t i = 0; i < to.size(); ++i) {
+            const std::size_t changed = diagonal + (letter == to[i] ? 0 : 1);
+            diagonal = row[i + 1];
+            row[i + 1] = std::min({changed, diagonal + 1, row[i] + 1});
+        }
+    }
+    return row.back();
+}
+
+// What to say when the first argument, empty for none, is no command: which there are, and which one was probably meant.
+std::string describeCommands(const CLI::App &program, const std::string &argument)
+{
+    constexpr std::size_t mostMistakes = 2;
+    std::vector<std::string> names;
+    std::string meant;
+    std::size_t fewest = mostMistakes + 1;
+    for (const CLI::App *command : program.get_subcommands({})) {
+        names.push_back(command->get_name());
+        const std::size_t mistakes = editDistance(argument, names.back());
+        if (mistakes < fewest) {
+            fewest = mistakes;
+            meant = names.back();
+        }
+    }
+    const std::string commands = fmt::format("{}", fmt::join(names, ", "));
+    if (argument.empty()) {
+        return "there is no command; give one of " + commands;
+    }
+    const std::string hint = meant.empty() ? names.front() + " " + argument : meant;
+    return fmt::format("{} is no command; there are {}. Did you mean: mifread {}?", argument, commands, hint);
+}
+
+bool isCommand(const CLI::App &program, const std::string &argument)
+{
+    const auto commands = program.get_subcommands({});
+    return std::any_of(commands.begin(), commands.end(),
+                       [&argument](const CLI::App *command) { return command->get_name() == argument; });
+}
+
+ExitCode refuseUsage(const std::string &reason)
+{
+    mifread::Progress messages(false, 0, 0);
+    messages.complain(reason);
+    messages.complain("see mifread --help");
+    return ExitCode::Usage;
+}
+
+// Help and version go to standard output like any result.
+void tell(const CLI::App &program, const CLI::Success &wish)
+{
+    std::ostringstream text;
+    program.exit(wish, text, text);
+    mifread::OutputFile output("-");
+    output.text() += text.str();
+    output.commit();
+}
+
+// The functions below add a command each, whose callback sets what it is to make of documents.
+
+void addText(CLI::App &program, Options &options, mifread::Command &command)
+{
+    CLI::App *text = addBatchCommand(program, "text", "Write the text of documents, in UTF-8", options);
+    addFolder(*text, options);
+    text->callback([&] {
+        const bool toStandardOutput = options.folder.empty() && options.output == "-";
+        command = mifread::textCommand(toStandardOutput && mifread::system::isTerminal(STDOUT_FILENO));
+    });
+}
+
+void addHtml(CLI::App &program, Options &options, mifread::Command &command)
+{
+    CLI::App *html = addBatchCommand(program, "html", "Write a page in HTML that shows the document", options);
+    addFolder(*html, options);
+    html->callback([&] { command = mifread::htmlCommand(); });
+}
+
+void addObjects(CLI::App &program, Options &options, mifread::Command &command)
+{
+    CLI::App *objects = addBatchCommand(program, "objects", "Write embedded objects to files and list them", options);
+    objects
+        ->add_option("-d,--directory", options.folder,
+                     "Write to this folder, made if it is missing; where there may be several documents, to a folder "
+                     "in it for each")
+        ->required()
+        ->type_name("DIR")
+        ->check(isNotEmpty);
+    CLI::Option *json = objects->add_flag("--json", options.asJson, "List the objects as JSON, one a line");
+    CLI::Option *null = objects->get_option("--null");
+    null->description("End names with NUL, not with lines: in the list that is written and in that of --files-from");
+    null->remove_needs(objects->get_option("--files-from"));
+    null->excludes(json);
+    objects->callback([&] {
+        using mifread::Listing;
+        const Listing rows = options.isListNulSeparated ? Listing::NulRows : Listing::Rows;
+        command = mifread::objectsCommand(options.asJson ? Listing::Json : rows);
+    });
+}
+
+void addJson(CLI::App &program, Options &options, mifread::Command &command)
+{
+    CLI::App *json = addBatchCommand(program, "json", "Write the token stream of documents as JSON Lines", options);
+    json->add_flag("--objects", options.withObjects, "Write the data of embedded objects as well, in Base64");
+    addFolder(*json, options);
+    json->callback([&] { command = mifread::jsonCommand(options.withObjects); });
+}
+
+void addInfo(CLI::App &program, Options &options, mifread::Command &command)
+{
+    CLI::App *info = addBatchCommand(program, "info", "Tell what is in documents", options);
+    info->add_flag("--json", options.asJson, "Write one JSON object a document");
+    addFolder(*info, options);
+    info->callback([&] { command = mifread::infoCommand(options.asJson); });
+}
+
+void addTokens(CLI::App &program, Options &options, mifread::Command &command)
+{
+    CLI::App *tokens = addCommand(program, "tokens", "List the token stream of a document, one token a line", options);
+    tokens->callback([&] { command = mifread::tokensCommand(); });
+}
+
+ExitCode run(std::vector<std::string> arguments)
 {
     Options options;
     mifread::Command command;
@@ -126,52 +259,24 @@ int run(std::vector<std::string> arguments)
     program.require_subcommand(1);
     program.allow_windows_style_options(false); // a / begins a path on all systems
     program.footer(exitCodes);
-
-    CLI::App *text = addBatchCommand(program, "text", "Write the text of documents, in UTF-8", options);
-    addFolder(*text, options);
-    text->callback([&] { command = mifread::textCommand(); });
-
-    CLI::App *html = addBatchCommand(program, "html", "Write a page in HTML that shows the document", options);
-    addFolder(*html, options);
-    html->callback([&] { command = mifread::htmlCommand(); });
-
-    CLI::App *objects = addBatchCommand(program, "objects", "Write embedded objects to files and list them", options);
-    objects
-        ->add_option(
-            "-d,--directory", options.folder,
-            "Write to this folder, made if it is missing; where there may be several documents, to a folder in "
-            "it for each")
-        ->required()
-        ->type_name("DIR")
-        ->check(isNotEmpty);
-    objects->callback([&] { command = mifread::objectsCommand(); });
-
-    bool withObjects = false;
-    CLI::App *json = addBatchCommand(program, "json", "Write the token stream of documents as JSON Lines", options);
-    json->add_flag("--objects", withObjects, "Write the data of embedded objects as well, in Base64");
-    addFolder(*json, options);
-    json->callback([&] { command = mifread::jsonCommand(withObjects); });
-
-    bool infoAsJson = false;
-    CLI::App *info = addBatchCommand(program, "info", "Tell what is in documents", options);
-    info->add_flag("--json", infoAsJson, "Write one JSON object a document");
-    addFolder(*info, options);
-    info->callback([&] { command = mifread::infoCommand(infoAsJson); });
-
-    CLI::App *tokens = addCommand(program, "tokens", "List the token stream of a document, one token a line", options);
-    tokens->callback([&] { command = mifread::tokensCommand(); });
-
+    for (const auto add : {addText, addHtml, addObjects, addJson, addInfo, addTokens}) {
+        add(program, options, command);
+    }
+    const std::string first = arguments.empty() ? "" : arguments.front();
+    if (!first.starts_with('-') && !isCommand(program, first)) {
+        return refuseUsage(describeCommands(program, first));
+    }
     try {
         protectBrackets(arguments);
         std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
         program.parse(std::move(arguments));
     } catch (const CLI::Success &wish) { // --help and --version
-        return program.exit(wish);
+        tell(program, wish);
+        return ExitCode::Success;
     } catch (const CLI::ParseError &error) {
-        std::cerr << "mifread: " << error.what() << "\nmifread: see mifread --help\n";
-        return static_cast<int>(ExitCode::Usage);
+        return refuseUsage(error.what());
     }
-    return static_cast<int>(mifread::convertDocuments(options, command));
+    return mifread::convertDocuments(options, command);
 }
 
 } // namespace
@@ -180,16 +285,19 @@ int mifread::runProgram(std::vector<std::string> arguments)
 {
     system::prepareStandardStreams();
     watchSignals();
-    int result = 0;
+    ExitCode result = ExitCode::Success;
     try {
         result = run(std::move(arguments));
-    } catch (const std::exception &error) {
-        std::cerr << "mifread: " << error.what() << '\n';
-        result = static_cast<int>(ExitCode::Limit); // memory is exhausted
+    } catch (const OutputError &error) { // of help
+        Progress(false, 0, 0).complain(error.what());
+        result = ExitCode::Io;
+    } catch (const std::exception &error) { // memory is exhausted
+        Progress(false, 0, 0).complain(error.what());
+        result = ExitCode::Limit;
     }
     // Ended by the user: the shell shall see it, too.
     if (const int number = caughtSignal(); number != 0) {
         system::endBySignal(number);
     }
-    return result;
+    return static_cast<int>(result);
 }

@@ -12,7 +12,9 @@
 #include <fmt/format.h>
 
 #include "command.h"
+#include "display.h"
 #include "file_type.h"
+#include "mifconvert/json_text.h"
 #include "mifhost/error.h"
 #include "mifhost/object.h"
 #include "paths.h"
@@ -38,15 +40,17 @@ void requireNumber(const mifhost::Document &document, std::string_view id)
 class Extraction
 {
 public:
-    explicit Extraction(Conversion &conversion) : conversion_(conversion) {}
+    Extraction(Conversion &conversion, Listing listing) : conversion_(conversion), listing_(listing) {}
 
     void run();
 
 private:
     void extract(const mifhost::Frame &frame);
     void copy(mifhost::Object &object, std::size_t firstCount, OutputFile &file);
+    void list(const mifhost::Frame &frame, const std::string &type, std::uint64_t size, const std::string &file);
 
     Conversion &conversion_;
+    const Listing listing_;
     std::vector<std::uint8_t> block_ = std::vector<std::uint8_t>(blockSize);
     std::set<std::string, std::less<>> done_; // identifiers
 };
@@ -75,8 +79,7 @@ try {
     OutputFile file(textOf(path));
     copy(object, firstCount, file);
     file.commit();
-    fmt::format_to(std::back_inserter(conversion_.text()), "{}\t{}\t{}\t{}\t{}\t{}\n", frame.id, type.mimeType,
-                   object.tell(), frame.width, frame.height, file.name());
+    list(frame, type.mimeType, object.tell(), file.name());
 } catch (const mifhost::LimitReached &error) { // of this object: others may do
     conversion_.addLoss(error.what());
 } catch (const OutputError &error) { // of the object's file, which the other documents do not share
@@ -93,13 +96,31 @@ void Extraction::copy(mifhost::Object &object, std::size_t firstCount, OutputFil
     }
 }
 
+void Extraction::list(const mifhost::Frame &frame, const std::string &type, std::uint64_t size, const std::string &file)
+{
+    if (listing_ == Listing::Json) {
+        conversion_.text() += mifconvert::dumpJson({{"document", conversion_.document().name()},
+                                                    {"id", frame.id},
+                                                    {"mimeType", type},
+                                                    {"size", size},
+                                                    {"width", frame.width},
+                                                    {"height", frame.height},
+                                                    {"file", file}}) +
+                              '\n';
+        return;
+    }
+    const bool forPeople = listing_ == Listing::Rows;
+    fmt::format_to(std::back_inserter(conversion_.text()), "{}\t{}\t{}\t{}\t{}\t{}{}", frame.id, type, size,
+                   frame.width, frame.height, forPeople ? shown(file) : file, forPeople ? '\n' : '\0');
+}
+
 } // namespace
 
-Command objectsCommand()
+Command objectsCommand(Listing listing)
 {
-    return {.convert = [](Conversion &conversion) { Extraction(conversion).run(); },
+    return {.convert = [listing](Conversion &conversion) { Extraction(conversion, listing).run(); },
             .results = Results::Files,
-            .heading = "ID\tType\tSize\tWidth\tHeight\tFile\n"};
+            .heading = listing == Listing::Rows ? "ID\tType\tSize\tWidth\tHeight\tFile\n" : ""};
 }
 
 } // namespace mifread

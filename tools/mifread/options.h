@@ -33,6 +33,9 @@ struct Options {
     bool update = false;             // leave documents alone whose results are newer
     bool dryRun = false;             // only say what would be written where
 
+    bool asJson = false;      // objects and info: as JSON instead of for people
+    bool withObjects = false; // json: the data of objects as well
+
     std::uint32_t bufferSize = 64 * 1024;                    // bytes
     std::string plugin;                                      // a path; empty: the reader the program is linked with
     std::size_t maxMemory = std::size_t{1024} * 1024 * 1024; // bytes of the reader's memory for a document; 0: no limit

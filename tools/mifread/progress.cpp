@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include "display.h"
 #include "system.h"
 
 namespace mifread
@@ -66,11 +67,7 @@ void Progress::complain(std::string_view message)
 {
     const std::lock_guard lock(screen_);
     erase();
-    std::string line = fmt::format("mifread: {}", message);
-    // Names may hold what would move the cursor or forge a line.
-    std::replace_if(
-        line.begin(), line.end(), [](unsigned char byte) { return byte < ' ' || byte == 0x7F; }, '?');
-    show(line + '\n');
+    show(fmt::format("mifread: {}\n", shown(message)));
 }
 
 void Progress::run(const std::stop_token &stop)

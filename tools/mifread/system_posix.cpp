@@ -1,6 +1,7 @@
 #include "system.h"
 
 #include <csignal>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,14 +20,15 @@ std::optional<FileIdentity> identityOf(const struct stat &status) noexcept
 
 } // namespace
 
+// A closed standard stream must not become the descriptor of a file that is opened later. Output that cannot be written
+// is to fail.
 void prepareStandardStreams()
 {
-    int descriptor = 0;
-    do {
-        descriptor = open("/dev/null", O_RDWR);
-    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    if (descriptor >= 0) {
-        close(descriptor);
+    for (const auto &[descriptor, mode] :
+         {std::pair{STDIN_FILENO, O_RDONLY}, {STDOUT_FILENO, O_RDONLY}, {STDERR_FILENO, O_WRONLY}}) {
+        if (fcntl(descriptor, F_GETFD) < 0) {
+            open("/dev/null", mode);
+        }
     }
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);

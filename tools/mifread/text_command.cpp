@@ -1,4 +1,7 @@
+#include <string>
+
 #include "command.h"
+#include "display.h"
 #include "mifconvert/text_writer.h"
 
 namespace mifread
@@ -15,11 +18,22 @@ void writeText(Conversion &conversion)
     }
 }
 
+void showText(Conversion &conversion)
+{
+    std::string text;
+    mifconvert::TextWriter writer(conversion.charset(), text);
+    while (const mifhost::Token *token = conversion.next()) {
+        writer.write(*token);
+        appendShownLines(text, conversion.text());
+        text.clear();
+    }
+}
+
 } // namespace
 
-Command textCommand()
+Command textCommand(bool forTerminal)
 {
-    return {.convert = writeText, .extension = ".txt"};
+    return {.convert = forTerminal ? showText : writeText, .extension = ".txt"};
 }
 
 } // namespace mifread
