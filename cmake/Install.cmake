@@ -22,3 +22,10 @@ foreach(name mifreader mifhost)
   configure_file(cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig} COMPONENT development)
 endforeach()
+
+# What users of the program read beside its manual page.
+if(MIFREADER_BUILD_TOOLS)
+  set(doc ${CMAKE_INSTALL_DATAROOTDIR}/doc/mifread)
+  install(FILES docs/token-stream.md DESTINATION ${doc} COMPONENT program)
+  install(DIRECTORY examples/batch DESTINATION ${doc}/examples COMPONENT program USE_SOURCE_PERMISSIONS)
+endif()

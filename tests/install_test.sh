@@ -11,7 +11,9 @@ trap 'rm -rf "$folder"' EXIT
 mv -- "$folder/installed" "$folder/moved"
 cd "$folder/moved"
 ! grep -rlIF -e "$folder" -e "$build" . || { echo 'FAILED: these files name a folder of the build'; exit 1; }
-for file in bin/mifread share/man/man1/mifread.1 share/bash-completion/completions/mifread; do
+for file in bin/mifread share/man/man1/mifread.1 share/bash-completion/completions/mifread \
+    share/doc/mifread/token-stream.md share/doc/mifread/examples/batch/convert-all.sh; do
     [ -s "$file" ] || { echo "FAILED: no $file"; exit 1; }
 done
+python3 "$tests/links_test.py" .
 bash "$tests/consumer/check.sh" . "$tests/../examples/handbook.mif" "$tests/../docs/host-interface.md"
