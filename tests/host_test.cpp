@@ -88,6 +88,21 @@ TEST(Document, ConvertsThroughEveryWayOfLoading)
     EXPECT_THROW(mifhost::Plugin::load("libc.so.6"), mifhost::PluginError);
 }
 
+TEST(Document, ReadsWithThePluginOfItsOwn)
+{
+    const std::string text = documentOf("<Para <String `a'>>");
+    mifhost::MemoryStream stream(bytesOf(text), "name");
+    const mifhost::Plugin other = mifhost::Plugin::load(MIFREADER_OTHER_PLUGIN);
+    mifhost::Document document(other, stream);
+    EXPECT_EQ(textOf(document), "plug-in");
+    EXPECT_EQ(other.entries().mifCharSet(), 42);
+    EXPECT_EQ(mifhost::Plugin::linked().entries().mifCharSet(), MIF_CHARSET_WINDOWS_1252);
+
+    const mifhost::Plugin same = mifhost::Plugin::load(MIFREADER_PLUGIN);
+    mifhost::Document again(same, stream);
+    EXPECT_EQ(textOf(again), "a");
+}
+
 TEST(Document, SaysWhatIsWrong)
 {
     const std::string random = "no document";

@@ -26,6 +26,7 @@ std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint6
 
 // Shared libraries. Null when there is none; lastLoaderError() then says why.
 
+// The library finds its own functions before those of the program that have the same names, where the system can do so.
 void *loadLibrary(const std::string &path);
 void *findFunction(void *library, const char *name) noexcept;
 void unloadLibrary(void *library) noexcept;

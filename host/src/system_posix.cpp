@@ -7,8 +7,28 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define MIFHOST_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
+#define MIFHOST_SANITIZED
+#endif
+#endif
+
 namespace mifhost::system
 {
+
+namespace
+{
+
+// The sanitizers refuse it, as their own functions must come before all others.
+#if defined(RTLD_DEEPBIND) && !defined(MIFHOST_SANITIZED)
+constexpr int ownNamesFirst = RTLD_DEEPBIND;
+#else
+constexpr int ownNamesFirst = 0;
+#endif
+
+} // namespace
 
 int openForReading(const std::string &path)
 {
@@ -41,7 +61,7 @@ std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint6
 
 void *loadLibrary(const std::string &path)
 {
-    return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | ownNamesFirst);
 }
 
 void *findFunction(void *library, const char *name) noexcept
