@@ -5,6 +5,8 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -32,7 +34,16 @@ constexpr int ownNamesFirst = 0;
 
 int openForReading(const std::string &path)
 {
-    return open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat status {
+    };
+    if (stat(path.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode)) {
+        return open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    }
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (file >= 0) {
+        fcntl(file, F_SETFL, O_RDONLY);
+    }
+    return file;
 }
 
 int openStandardInput() noexcept
@@ -48,6 +59,12 @@ int openTemporary(const std::filesystem::path &folder)
         unlink(path.c_str());
     }
     return file;
+}
+
+int waitForInput(int file) noexcept
+{
+    pollfd waiting{file, POLLIN, 0};
+    return poll(&waiting, 1, -1) < 0 ? -1 : 0;
 }
 
 std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint64_t position) noexcept
