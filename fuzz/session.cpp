@@ -106,7 +106,7 @@ void Session::takeTokens(std::span<const uint8_t> bytes)
 void Session::checkMemory() const
 {
     const size_t waiting = std::max(conditions_.bufferSizes[0], conditions_.bufferSizes[1]);
-    require(memory_.peakBytes() <= fixedMemory + waiting + memoryPerByte * document_.size(),
+    require(memory_.peakRequested() <= fixedMemory + waiting + memoryPerByte * document_.size(),
             "memory is at most a constant times the document's size");
 }
 

@@ -1,5 +1,6 @@
 // The host library: streams, memory, plug-ins, sessions, the decoder's distrust, and the check of the source.
 #include <algorithm>
+#include <cstddef>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "mifhost/mifhost.h"
 #include "support/test_host.h"
@@ -88,6 +90,21 @@ TEST(Document, ConvertsThroughEveryWayOfLoading)
     EXPECT_THROW(mifhost::Plugin::load("libc.so.6"), mifhost::PluginError);
 }
 
+TEST(Document, ReadsWithThePluginOfItsOwn)
+{
+    const std::string text = documentOf("<Para <String `a'>>");
+    mifhost::MemoryStream stream(bytesOf(text), "name");
+    const mifhost::Plugin other = mifhost::Plugin::load(MIFREADER_OTHER_PLUGIN);
+    mifhost::Document document(other, stream);
+    EXPECT_EQ(textOf(document), "plug-in");
+    EXPECT_EQ(other.entries().mifCharSet(), 42);
+    EXPECT_EQ(mifhost::Plugin::linked().entries().mifCharSet(), MIF_CHARSET_WINDOWS_1252);
+
+    const mifhost::Plugin same = mifhost::Plugin::load(MIFREADER_PLUGIN);
+    mifhost::Document again(same, stream);
+    EXPECT_EQ(textOf(again), "a");
+}
+
 TEST(Document, SaysWhatIsWrong)
 {
     const std::string random = "no document";
@@ -122,6 +139,76 @@ TEST(Document, SaysWhatIsWrong)
         }
         ASSERT_LT(limit, 100'000U);
     }
+}
+
+// A table that gives nothing is read at each of its anchors within one call of the reader; a format announces fonts.
+TEST(Document, EndsAtItsWorkLimitAndWhenAsked)
+{
+    std::string anchors;
+    std::string families;
+    for (int i = 0; i < 2000; ++i) {
+        anchors += "<ATbl 1>";
+        families += "<FFamily `x'>";
+    }
+    const std::string comments(100'000, '\n');
+    const std::string begin = "<String `begin'>";
+    const std::string table = "<Tbls <Tbl <TblID 1>" + comments + ">>";
+    const std::string reading = documentOf(table + "<TextFlow <TextRectID 9>" + begin + anchors + "<String `end'>");
+    const std::string announcing = documentOf("<PgfCatalog <Pgf <PgfTag `A'>" + families + ">>" + begin +
+                                              "<PgfTag `A'><PgfTag `A'>" + std::string(5000, ' ') + "<String `end'>");
+    const auto textUntil = [](const std::string &text, const mifhost::DocumentOptions &options, auto error) {
+        mifhost::MemoryStream stream(text, "name");
+        mifhost::Document document(stream, options);
+        std::string kept;
+        const auto take = [&] {
+            while (const mifhost::Token *token = document.next()) {
+                const auto *run = std::get_if<mifhost::Text>(token);
+                kept += run != nullptr ? run->bytes : "";
+            }
+        };
+        EXPECT_THROW(take(), decltype(error));
+        EXPECT_THROW(document.next(), decltype(error)) << "and again";
+        EXPECT_LT(document.percent(), 100);
+        return kept;
+    };
+    const mifhost::LimitReached limit("", {}, "");
+    for (const uint64_t work : {reading.size() + 5000, 3 * reading.size()}) {
+        EXPECT_EQ(textUntil(reading, {.workLimit = work}, limit), "begin") << work;
+    }
+    EXPECT_EQ(textUntil(announcing, {.workLimit = 200'000}, limit), "begin") << "announcements count";
+    mifhost::MemoryStream stream(announcing, "name");
+    mifhost::Document document(stream, {.workLimit = 600'000});
+    EXPECT_EQ(textOf(document), "beginend");
+
+    int calls = 0;
+    const auto stop = [&calls] {
+        if (++calls > 100) {
+            throw std::range_error("enough");
+        }
+    };
+    EXPECT_EQ(textUntil(reading, {.proceed = stop}, std::range_error("")), "begin");
+    EXPECT_EQ(calls, 101) << "nothing is read behind it";
+}
+
+TEST(Memory, CountsWhatTheHeapTakes)
+{
+    mifhost::Memory memory(100'000);
+    HostServices *services = memory.services();
+    std::vector<void *> blocks;
+    size_t taken = 0;
+    for (size_t size = 1; void *block = services->allocate(&services->memoryHandleArea, size); size += 7) {
+        blocks.push_back(block);
+        void *whole = static_cast<std::byte *>(block) - alignof(std::max_align_t); // it stands behind a header
+        taken += malloc_usable_size(whole) + sizeof(size_t);
+        ASSERT_LE(taken, memory.bytesInUse()) << size;
+    }
+    EXPECT_GT(memory.bytesInUse(), 98'000U);
+    EXPECT_LE(memory.peakBytes(), 100'000U);
+    EXPECT_LT(memory.peakRequested(), memory.peakBytes());
+    for (void *block : blocks) {
+        services->free(&services->memoryHandleArea, block);
+    }
+    EXPECT_EQ(memory.bytesInUse(), 0U);
 }
 
 TEST(Object, ReadsSeeksAndGuardsItsDocument)
@@ -178,6 +265,11 @@ TEST(FileStream, OpensFilesAndSaysWhyNot)
     std::ofstream(path, std::ios::binary) << text;
     mifhost::FileStream stream(path);
     EXPECT_EQ(stream.size(), text.size());
+    EXPECT_THROW(mifhost::FileStream(path, {.sizeLimit = text.size() - 1}), mifhost::LimitReached);
+    EXPECT_EQ(mifhost::FileStream(path, {.sizeLimit = text.size()}).size(), text.size());
+    EXPECT_THROW(mifhost::FileStream("/dev/zero", {.sizeLimit = 100'000}), mifhost::LimitReached);
+    const auto leave = [](int) { throw std::range_error("enough"); };
+    EXPECT_THROW(mifhost::FileStream("/dev/zero", {.waitForInput = leave}), std::range_error);
     mifhost::Document document(stream);
     EXPECT_EQ(textOf(document).size(), 3001U);
     for (const size_t position : {size_t{0}, size_t{150000}, size_t{149000}, text.size() - 1, text.size() + 5}) {

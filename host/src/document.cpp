@@ -42,7 +42,8 @@ bool beginsAsMif(Stream &stream)
 Document::Document(Stream &stream, const DocumentOptions &options) : Document(Plugin::linked(), stream, options) {}
 
 Document::Document(const Plugin &plugin, Stream &stream, const DocumentOptions &options)
-    : stream_(stream), reader_(plugin.entries()), memory_(options.memoryLimit), bufferSize_(options.bufferSize),
+    : stream_(stream), reader_(plugin.entries()), memory_(options.memoryLimit), workLimit_(options.workLimit),
+      proceed_(options.proceed), bufferSize_(options.bufferSize),
       buffer_(std::make_unique_for_overwrite<std::uint8_t[]>(options.bufferSize)),
       decoder_(stream.name() + ": token stream"), context_(nullptr, nullptr)
 {
@@ -54,18 +55,20 @@ Document::Document(const Plugin &plugin, Stream &stream, const DocumentOptions &
     }
 
     stream_.seek(0);
+    stream_.forgetPendingError();
     const std::int32_t result =
         reader_.mifInitDoc(context_.get(), nullptr, static_cast<std::int32_t>(stream_.size()), stream_.record());
     requireMemory();
     if (result != MIF_SUCCESS) {
         throw PluginError(stream_.name(), std::nullopt, "the plug-in does not take the document");
     }
-    stream_.observe(&check_);
+    stream_.watchReads(
+        [this](std::uint64_t position, std::span<const std::uint8_t> bytes) { watchRead(position, bytes); });
 }
 
 Document::~Document()
 {
-    stream_.observe(nullptr);
+    stream_.watchReads(nullptr);
 }
 
 const Token *Document::next()
@@ -96,19 +99,57 @@ void Document::fill()
     if (written <= bufferSize_) {
         decoder_.decode({buffer_.get(), written});
     }
-    percent_ = percent;
-    finished_ = percent_ >= 100;
+    if (failure_ != nullptr) { // in a notification
+        return;
+    }
     try {
-        checkResult(result, written);
+        checkResult(result, written, percent);
+        addWork(written);
+        proceed();
+        percent_ = percent;
+        finished_ = percent >= 100;
     } catch (...) {
+        failure_ = std::current_exception();
+    }
+}
+
+void Document::watchRead(std::uint64_t position, std::span<const std::uint8_t> bytes)
+{
+    check_.feed(position, bytes);
+    addWork(bytes.size());
+    proceed();
+}
+
+void Document::addWork(std::uint64_t bytes)
+{
+    work_ += bytes;
+    if (workLimit_ > 0 && work_ > workLimit_) {
+        throw LimitReached(stream_.name(), bytesRead(),
+                           "the work limit of " + std::to_string(workLimit_) + " bytes is reached");
+    }
+}
+
+// The reader goes on to its next read behind an announcement that is too many.
+void Document::noteAnnouncement() noexcept
+{
+    try {
         if (failure_ == nullptr) {
-            failure_ = std::current_exception();
+            addWork(DocumentOptions::announcedFont);
         }
+    } catch (...) {
+        failure_ = std::current_exception();
+    }
+}
+
+void Document::proceed() const
+{
+    if (proceed_) {
+        proceed_();
     }
 }
 
 // Throws what a call of mifFillBuffer failed of.
-void Document::checkResult(std::int32_t result, std::uint32_t written) const
+void Document::checkResult(std::int32_t result, std::uint32_t written, std::int32_t percent) const
 {
     throwPendingError();
     const bool isStored = written != notStored;
@@ -122,7 +163,7 @@ void Document::checkResult(std::int32_t result, std::uint32_t written) const
         throw LimitReached(stream_.name(), bytesRead(),
                            "a token is larger than the buffer of " + std::to_string(bufferSize_) + " bytes");
     }
-    if (written == 0 && !finished_) {
+    if (written == 0 && percent < 100) {
         throw PluginError(stream_.name(), bytesRead(), "the plug-in makes no progress");
     }
 }
@@ -163,7 +204,9 @@ std::uint32_t Document::notify(void *cookie, std::uint32_t code, void *data) noe
     auto &self = *static_cast<Document *>(cookie);
     try {
         if (code == HOST_NOTIFY_FONT) {
-            return self.fonts_.add(*static_cast<const MifFontRecord *>(data));
+            const std::uint32_t number = self.fonts_.add(*static_cast<const MifFontRecord *>(data));
+            self.noteAnnouncement();
+            return number;
         }
         if (code == HOST_NOTIFY_FILE_ACCESS) {
             self.fileAccess_ = *static_cast<const MifFileAccess *>(data);

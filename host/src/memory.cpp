@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 
 namespace mifhost
 {
@@ -14,6 +15,15 @@ namespace
 struct alignas(std::max_align_t) BlockHeader {
     std::size_t size;
 };
+
+// The bytes that a heap takes for a block of this size and its header: it has a word of its own before each, and hands
+// out multiples of 16.
+std::size_t costOf(std::size_t size)
+{
+    constexpr std::size_t heapWord = 8;
+    constexpr std::size_t unit = 16;
+    return (size + sizeof(BlockHeader) + heapWord + unit - 1) / unit * unit;
+}
 
 Memory &ownerOf(void *handleArea)
 {
@@ -36,9 +46,10 @@ Memory::Memory(std::size_t limit) noexcept : limit_(limit)
 
 void *Memory::allocate(std::size_t size, bool zeroed) noexcept
 {
-    const std::size_t room = (limit_ == 0 ? SIZE_MAX - sizeof(BlockHeader) : limit_) - bytesInUse_;
+    constexpr std::size_t largest = std::numeric_limits<std::ptrdiff_t>::max();
+    const std::size_t room = (limit_ == 0 ? SIZE_MAX : limit_) - bytesInUse_;
     void *memory = nullptr;
-    if (size <= room && size <= SIZE_MAX - sizeof(BlockHeader)) {
+    if (size <= largest && costOf(size) <= room) {
         const std::size_t whole = sizeof(BlockHeader) + size;
         memory = zeroed ? std::calloc(1, whole) : std::malloc(whole);
     }
@@ -49,8 +60,10 @@ void *Memory::allocate(std::size_t size, bool zeroed) noexcept
 
     auto *header = static_cast<BlockHeader *>(memory);
     header->size = size;
-    bytesInUse_ += size;
+    bytesInUse_ += costOf(size);
     peakBytes_ = std::max(peakBytes_, bytesInUse_);
+    requested_ += size;
+    peakRequested_ = std::max(peakRequested_, requested_);
     ++allocations_;
     ++liveBlocks_;
     return header + 1;
@@ -59,7 +72,8 @@ void *Memory::allocate(std::size_t size, bool zeroed) noexcept
 void Memory::release(void *block) noexcept
 {
     BlockHeader *header = static_cast<BlockHeader *>(block) - 1;
-    bytesInUse_ -= header->size;
+    bytesInUse_ -= costOf(header->size);
+    requested_ -= header->size;
     --liveBlocks_;
     std::free(header);
 }

@@ -103,11 +103,11 @@ std::size_t Object::readBlock(std::size_t count)
 {
     const auto wanted = static_cast<std::int32_t>(count);
     const std::int32_t delivered = document_.fileAccess_.mifFileRead(&handle_, block_.get(), wanted);
-    try {
-        document_.throwPendingError();
-    } catch (const LimitReached &) { // of this object: the rest of the document may do
+    document_.stream_.throwPendingError();
+    if (document_.memory_.refusals() > 0) { // the rest of the document may do without
         document_.memory_.forgetRefusals();
-        throw LimitReached(document_.name(), std::nullopt, "object " + id_ + " cannot be read: too little memory");
+        throw ObjectLimitReached(document_.name(), std::nullopt,
+                                 "object " + id_ + " cannot be read: too little memory");
     }
     if (delivered < 0 || delivered > wanted) {
         throw PluginError(document_.name(), std::nullopt, "the plug-in tells no valid number of bytes read");
@@ -128,9 +128,9 @@ std::size_t Object::readRest()
     const std::size_t count =
         readBlock(static_cast<std::size_t>(std::min<std::uint64_t>(size_ - blockStart_, blockLimit_)));
     if (count == 0) {
-        throw LimitReached(document_.name(), std::nullopt,
-                           "object " + id_ + " cannot be read from its byte " + std::to_string(blockStart_) +
-                               " on: its data stand in pieces too short for the reader");
+        throw ObjectLimitReached(document_.name(), std::nullopt,
+                                 "object " + id_ + " cannot be read from its byte " + std::to_string(blockStart_) +
+                                     " on: its data stand in pieces too short for the reader");
     }
     return count;
 }

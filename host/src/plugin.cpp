@@ -25,6 +25,28 @@ void requireEntries(const std::string &path, const MifReaderInterface &entries)
     require(entries.mifFillBuffer != nullptr, "mifFillBuffer");
 }
 
+template <typename Function>
+void takeOwn(void *library, const char *name, Function linked, Function &entry)
+{
+    void *own = entry == linked ? system::findFunction(library, name) : nullptr;
+    if (own != nullptr) {
+        entry = reinterpret_cast<Function>(own);
+    }
+}
+
+// A plug-in that looks up its own functions by their names may have been given those of the reader that the program is
+// linked with, whose names are the same.
+void takeOwnEntries(void *library, MifReaderInterface &entries)
+{
+    MifReaderInterface linked{};
+    mifGetReaderInterface(&linked);
+    takeOwn(library, "mifAllocateContext", linked.mifAllocateContext, entries.mifAllocateContext);
+    takeOwn(library, "mifFreeContext", linked.mifFreeContext, entries.mifFreeContext);
+    takeOwn(library, "mifInitDoc", linked.mifInitDoc, entries.mifInitDoc);
+    takeOwn(library, "mifFillBuffer", linked.mifFillBuffer, entries.mifFillBuffer);
+    takeOwn(library, "mifCharSet", linked.mifCharSet, entries.mifCharSet);
+}
+
 } // namespace
 
 void Plugin::Unload::operator()(void *library) const noexcept
@@ -58,6 +80,7 @@ Plugin Plugin::load(const std::string &path)
     MifReaderInterface entries{};
     reinterpret_cast<decltype(&mifGetReaderInterface)>(entry)(&entries);
     requireEntries(path, entries);
+    takeOwnEntries(library.get(), entries);
     return {std::move(library), entries};
 }
 

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstring>
 #include <filesystem>
-#include <limits>
 #include <optional>
 #include <system_error>
 #include <type_traits>
@@ -15,7 +14,6 @@
 #include <unistd.h>
 
 #include "mifhost/error.h"
-#include "mifhost/source_check.h"
 #include "mifreader/reader.h"
 #include "system.h"
 
@@ -24,8 +22,6 @@ namespace mifhost
 
 namespace
 {
-
-constexpr std::uint64_t maximumDocument = std::numeric_limits<std::int32_t>::max();
 
 // After a jump only a little is read, because the reader often jumps back soon (to the text after a table); reading on
 // in order doubles the amount until it is large.
@@ -37,17 +33,26 @@ std::string systemMessage(int error)
     return std::generic_category().message(error);
 }
 
-void requireSize(const std::string &name, std::uint64_t size)
+void requireSize(const std::string &name, std::uint64_t size, std::uint64_t limit)
 {
-    if (size > maximumDocument) {
-        throw LimitReached(name, std::nullopt, "the document is too large, it has 2 GiB or more");
+    if (size > limit) {
+        throw LimitReached(name, std::nullopt,
+                           limit == Stream::largestDocument
+                               ? "the document is too large, it has 2 GiB or more"
+                               : "the document is too large, it has more than " + std::to_string(limit) + " bytes");
     }
 }
 
-// read(2). Throws IoError at the given position, also when a signal came between: who has signals interrupt calls wants
-// to stop waiting.
-std::size_t readSome(int file, std::span<std::uint8_t> destination, const std::string &name, std::uint64_t position)
+// read(2), after a wait. Throws IoError at the given position, also when a signal came between: who has signals
+// interrupt calls wants to stop waiting.
+std::size_t readSome(int file, std::span<std::uint8_t> destination, const std::string &name, std::uint64_t position,
+                     const FileOptions &options)
 {
+    if (options.waitForInput) {
+        options.waitForInput(file);
+    } else if (system::waitForInput(file) != 0) {
+        throw IoError(name, position, "cannot read: " + systemMessage(errno));
+    }
     const ssize_t count = ::read(file, destination.data(), static_cast<unsigned>(destination.size()));
     if (count < 0) {
         throw IoError(name, position, "cannot read: " + systemMessage(errno));
@@ -56,14 +61,14 @@ std::size_t readSome(int file, std::span<std::uint8_t> destination, const std::s
 }
 
 // Copies all that is left in a file to a temporary one.
-FileDescriptor spool(int file, const std::string &name)
+FileDescriptor spool(int file, const std::string &name, const FileOptions &options)
 {
     FileDescriptor copy = makeTemporaryFile(name);
     const auto block = std::make_unique<std::uint8_t[]>(largestFill);
     std::uint64_t size = 0;
-    while (const std::size_t count = readSome(file, {block.get(), largestFill}, name, size)) {
+    while (const std::size_t count = readSome(file, {block.get(), largestFill}, name, size, options)) {
         size += count;
-        requireSize(name, size);
+        requireSize(name, size, options.sizeLimit);
         for (std::size_t done = 0; done < count;) {
             const ssize_t written = ::write(copy.get(), block.get() + done, static_cast<unsigned>(count - done));
             if (written < 0 && errno != EINTR) {
@@ -97,7 +102,7 @@ FileDescriptor makeTemporaryFile(const std::string &name)
 Stream::Stream(std::string name, std::uint64_t size) : name_(std::move(name)), size_(size)
 {
     static_assert(std::is_standard_layout_v<Record> && offsetof(Record, stream) == 0);
-    requireSize(name_, size_);
+    requireSize(name_, size_, largestDocument);
     record_.owner = this;
     record_.stream.read = readForReader;
     record_.stream.seek = seekForReader;
@@ -131,18 +136,19 @@ void Stream::throwPendingError() const
 std::size_t Stream::readForReader(HostStream *stream, void *destination, std::size_t count) noexcept
 {
     Stream &self = *reinterpret_cast<Record *>(stream)->owner;
+    if (self.pendingError_ != nullptr) {
+        return 0;
+    }
     try {
         const std::span<std::uint8_t> bytes(static_cast<std::uint8_t *>(destination), count);
         const std::uint64_t position = self.position_;
         const std::size_t delivered = self.read(bytes);
-        if (self.check_ != nullptr) {
-            self.check_->feed(position, bytes.first(delivered));
+        if (self.watch_) {
+            self.watch_(position, bytes.first(delivered));
         }
         return delivered;
     } catch (...) {
-        if (self.pendingError_ == nullptr) {
-            self.pendingError_ = std::current_exception();
-        }
+        self.pendingError_ = std::current_exception();
         return 0;
     }
 }
@@ -164,7 +170,7 @@ int FileDescriptor::close() noexcept
     return descriptor_ < 0 ? 0 : ::close(std::exchange(descriptor_, -1));
 }
 
-FileStream::FileStream(const std::string &path) : FileStream(open(path)) {}
+FileStream::FileStream(const std::string &path, const FileOptions &options) : FileStream(open(path, options)) {}
 
 FileStream::FileStream(Source source)
     : Stream(std::move(source.name), source.size), file_(std::move(source.file)),
@@ -172,7 +178,7 @@ FileStream::FileStream(Source source)
 {
 }
 
-FileStream::Source FileStream::open(const std::string &path)
+FileStream::Source FileStream::open(const std::string &path, const FileOptions &options)
 {
     const bool isStandardInput = path == "-";
     const std::string name = isStandardInput ? "standard input" : path;
@@ -189,12 +195,13 @@ FileStream::Source FileStream::open(const std::string &path)
     // Standard input that was partly read by somebody else begins where they stopped.
     const bool isWholeFile = S_ISREG(status.st_mode) && lseek(file.get(), 0, SEEK_CUR) == 0;
     if (!isWholeFile) {
-        file = spool(file.get(), name);
+        file = spool(file.get(), name, options);
     }
     const off_t size = lseek(file.get(), 0, SEEK_END);
     if (size < 0) {
         throw IoError(name, std::nullopt, "cannot seek: " + systemMessage(errno));
     }
+    requireSize(name, static_cast<std::uint64_t>(size), options.sizeLimit);
     return {std::move(file), name, static_cast<std::uint64_t>(size)};
 }
 

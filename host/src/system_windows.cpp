@@ -50,6 +50,11 @@ int openTemporary(const std::filesystem::path &folder)
     return _wopen(path.data(), _O_RDWR | _O_TEMPORARY | ownBytes);
 }
 
+int waitForInput(int /*file*/) noexcept
+{
+    return 0;
+}
+
 std::ptrdiff_t readAt(int file, void *destination, std::size_t count, std::uint64_t position) noexcept
 {
     if (_lseeki64(file, static_cast<std::int64_t>(position), SEEK_SET) < 0) {

@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <limits>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "mifhost/fonts.h"
@@ -27,8 +29,18 @@ struct DocumentOptions {
     // document but the strangest.
     std::uint32_t bufferSize = 64 * 1024;
 
-    // The most memory in bytes that the reader may use for the document; 0 means no limit.
+    // The most memory in bytes that the reader may use for the document, as Memory counts it; 0 means no limit.
     std::size_t memoryLimit = 0;
+
+    // The most work that the reader may do for the document, in bytes; 0 means no limit. The bytes that it reads are
+    // counted, again whenever it reads them again, those of its tokens, and announcedFont for each announcement of a
+    // font. The same document takes the same work at all times.
+    std::uint64_t workLimit = 0;
+    static constexpr std::uint64_t announcedFont = 64;
+
+    // Called at every read of the reader, also of those within one long call, and after every call that gave tokens. It
+    // may throw to end the conversion: next() or Object::read() throws it on.
+    std::function<void()> proceed{};
 };
 
 // Reads one document from its beginning, token by token, and owns all that the reader needs for it.
@@ -48,8 +60,9 @@ public:
     // Throws, once the tokens before the failure are handed out,
     //   NotMif        before the first token: the reader refuses the document
     //   IoError       the stream cannot be read, or became shorter
-    //   LimitReached  the memory limit was hit or the heap exhausted, or a token is larger than the buffer
+    //   LimitReached  the limit of memory or work was hit, the heap is exhausted, or a token is larger than the buffer
     //   StreamError, PluginError  the reader is faulty
+    //   what proceed() throws
     // and then the same again. While an Object of the document is open it throws std::logic_error and does nothing.
     const Token *next();
 
@@ -98,7 +111,11 @@ private:
 
     static std::uint32_t notify(void *cookie, std::uint32_t code, void *data) noexcept;
     void fill();
-    void checkResult(std::int32_t result, std::uint32_t written) const;
+    void checkResult(std::int32_t result, std::uint32_t written, std::int32_t percent) const;
+    void watchRead(std::uint64_t position, std::span<const std::uint8_t> bytes);
+    void addWork(std::uint64_t bytes);
+    void noteAnnouncement() noexcept;
+    void proceed() const;
     [[noreturn]] void throwRefusal() const;
     void throwPendingError() const;
     void requireMemory() const;
@@ -110,6 +127,9 @@ private:
     SourceCheck check_;
     MifFileAccess fileAccess_{}; // the operations on embedded objects; null where the reader offers none
     bool objectIsOpen_ = false;
+    std::uint64_t work_ = 0;
+    std::uint64_t workLimit_;
+    std::function<void()> proceed_;
     std::uint32_t bufferSize_;
     std::unique_ptr<std::uint8_t[]> buffer_;
     TokenDecoder decoder_;

@@ -43,12 +43,20 @@ public:
     using Error::Error;
 };
 
-// The document needs more than it was given, memory or a larger token buffer, or more than the reader can do: it has
-// 2 GiB or more, or an object's data cannot be decoded.
+// The document needs more than it was given, memory, work or a larger token buffer, or more than the reader can do: it
+// has 2 GiB or more.
 class LimitReached : public Error
 {
 public:
     using Error::Error;
+};
+
+// So does an embedded object: its data cannot be decoded, or only with more memory. The rest of the document is not
+// concerned.
+class ObjectLimitReached : public LimitReached
+{
+public:
+    using LimitReached::LimitReached;
 };
 
 // The token stream is not well formed.

@@ -14,7 +14,7 @@ namespace mifhost
 class Memory
 {
 public:
-    // limit  the most bytes that may be in use at once; 0 means no limit
+    // limit  the most bytes that may be in use at once, as bytesInUse() counts them; 0 means no limit
     explicit Memory(std::size_t limit = 0) noexcept;
     Memory(const Memory &) = delete;
     Memory &operator=(const Memory &) = delete;
@@ -25,7 +25,8 @@ public:
         return &services_;
     }
 
-    // The bytes in use now and at the highest, as the reader asked for them (without the cost of bookkeeping).
+    // The bytes in use now and at the highest, as much as the heap takes for them: each block with its bookkeeping, 24
+    // bytes and what is missing to a multiple of 16.
     std::size_t bytesInUse() const noexcept
     {
         return bytesInUse_;
@@ -33,6 +34,12 @@ public:
     std::size_t peakBytes() const noexcept
     {
         return peakBytes_;
+    }
+
+    // The same at the highest, as the reader asked for them.
+    std::size_t peakRequested() const noexcept
+    {
+        return peakRequested_;
     }
 
     // The number of allocations granted so far, of blocks not yet given back, and of allocations refused because of the
@@ -71,6 +78,8 @@ private:
     std::size_t limit_;
     std::size_t bytesInUse_ = 0;
     std::size_t peakBytes_ = 0;
+    std::size_t requested_ = 0;
+    std::size_t peakRequested_ = 0;
     std::size_t allocations_ = 0;
     std::size_t liveBlocks_ = 0;
     std::size_t refusals_ = 0;

@@ -49,9 +49,12 @@ public:
     void seek(std::uint64_t position);
 
     // Reads destination.size() bytes, fewer only at the object's end. Returns their number. Throws
-    //   IoError       the document cannot be read
-    //   LimitReached  memory is exhausted, or the data stand in such short pieces that the reader cannot decode them
-    //   PluginError   the reader is faulty
+    //   IoError             the document cannot be read
+    //   ObjectLimitReached  memory is exhausted, or the data stand in such short pieces that the reader cannot decode
+    //                       them
+    //   LimitReached        the work limit of the document is reached
+    //   PluginError         the reader is faulty
+    // and what the document's proceed() throws.
     std::size_t read(std::span<std::uint8_t> destination);
 
 private:

@@ -17,7 +17,8 @@ public:
     // The reader that the program is linked with.
     static Plugin linked();
 
-    // Loads a reader from a shared library; a path without a slash is searched for as the system's loader does. The
+    // Loads a reader from a shared library; a path without a slash is searched for as the system's loader does. Its
+    // entries are the library's own, also where they have the names of those that the program is linked with. The
     // library is unloaded with the object. Throws PluginError when it cannot be loaded or is not a reader.
     static Plugin load(const std::string &path);
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <functional>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -16,13 +18,14 @@
 namespace mifhost
 {
 
-class SourceCheck;
-
 // A document's bytes with a position, for the reader (through record()) and for the host alike. A new kind of source
 // only has to say how bytes at a position are read.
 class Stream
 {
 public:
+    // The most bytes that a document has: what a reader can count.
+    static constexpr std::uint64_t largestDocument = std::numeric_limits<std::int32_t>::max();
+
     Stream(const Stream &) = delete;
     Stream &operator=(const Stream &) = delete;
     virtual ~Stream() = default;
@@ -54,7 +57,7 @@ public:
     }
 
     // The record to hand to a reader. It lives as long as this object. What fails while the reader reads is kept here,
-    // and the reader meets the end of the data.
+    // and the reader meets the end of the data there and at every later read.
     HostStream *record() noexcept
     {
         return &record_.stream;
@@ -63,14 +66,22 @@ public:
     // Throws what the reader's reading met, an IoError as a rule; nothing when all went well.
     void throwPendingError() const;
 
-    // Shows all bytes that the reader reads from now on to check; null ends it.
-    void observe(SourceCheck *check) noexcept
+    // Forgets it: another reader begins.
+    void forgetPendingError() noexcept
     {
-        check_ = check;
+        pendingError_ = nullptr;
+    }
+
+    // Told of all bytes that the reader reads, with their position, before the reader gets them. It may throw, which
+    // counts as a failure of the reading.
+    using ReadWatch = std::function<void(std::uint64_t position, std::span<const std::uint8_t> bytes)>;
+    void watchReads(ReadWatch watch) noexcept
+    {
+        watch_ = std::move(watch);
     }
 
 protected:
-    // Throws LimitReached when the size is 2 GiB or more.
+    // Throws LimitReached when the size is above largestDocument.
     Stream(std::string name, std::uint64_t size);
 
     // Reads up to destination.size() bytes (at least 1) at a position below size(). Returns their number; 0 means that
@@ -92,7 +103,7 @@ private:
     std::string name_;
     std::uint64_t size_;
     std::uint64_t position_ = 0;
-    SourceCheck *check_ = nullptr;
+    ReadWatch watch_;
     std::exception_ptr pendingError_;
 };
 
@@ -129,15 +140,25 @@ private:
 // name  what it is for, for the message of the IoError that is thrown when there can be none
 FileDescriptor makeTemporaryFile(const std::string &name);
 
+struct FileOptions {
+    // The most bytes that the file may have, up to Stream::largestDocument.
+    std::uint64_t sizeLimit = Stream::largestDocument;
+
+    // Waits until something can be read from a file that is no regular one, given by its descriptor. What it throws
+    // ends the wait and the opening. Without it a signal whose handler does not restart system calls ends the wait with
+    // IoError.
+    std::function<void(int file)> waitForInput{};
+};
+
 // A file, read in large blocks. What cannot seek (a pipe, a device, standard input) is first copied whole to a
 // temporary file that has no name and goes with the object.
 class FileStream : public Stream
 {
 public:
     // path  the file to open, on Windows in UTF-8; "-" is standard input
-    // Throws IoError when it cannot be opened or copied or is a directory, LimitReached when it holds 2 GiB or more. A
-    // signal whose handler does not restart system calls ends the wait for a pipe with IoError.
-    explicit FileStream(const std::string &path);
+    // Throws IoError when it cannot be opened or copied or is a directory, LimitReached when it has more bytes than it
+    // may; no more than those are copied.
+    explicit FileStream(const std::string &path, const FileOptions &options = {});
 
 private:
     struct Source {
@@ -145,7 +166,7 @@ private:
         std::string name;
         std::uint64_t size;
     };
-    static Source open(const std::string &path);
+    static Source open(const std::string &path, const FileOptions &options);
     explicit FileStream(Source source);
 
     std::size_t readAt(std::uint64_t position, std::span<std::uint8_t> destination) override;
