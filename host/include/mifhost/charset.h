@@ -10,13 +10,15 @@
 namespace mifhost
 {
 
-// Converts Windows-1252 to UTF-8.
+// Converts Windows-1252 to UTF-8, the text of one document in as many pieces as it comes.
 class Windows1252
 {
 public:
     Windows1252();
 
-    // Appends text to out as UTF-8. The five bytes that Windows-1252 leaves undefined become U+FFFD.
+    // Appends text to out as UTF-8, which is at most three times as long. Every byte is one character: 0x00 to 0x7F are
+    // themselves, control characters among them, and the five bytes that Windows-1252 leaves undefined (0x81, 0x8D,
+    // 0x8F, 0x90, 0x9D) become U+FFFD.
     void append(std::string_view text, std::string &out);
 
     // The number of undefined bytes met so far.

@@ -22,8 +22,8 @@ namespace mifhost
 {
 
 struct DocumentOptions {
-    // Above it the reader's own limit, nine tenths of the buffer, wraps.
-    static constexpr std::uint32_t largestBuffer = std::numeric_limits<std::uint32_t>::max() / 9;
+    // What the reader can be told of.
+    static constexpr std::uint32_t largestBuffer = std::numeric_limits<std::uint32_t>::max();
 
     // The buffer for tokens in bytes, 1 to largestBuffer. It must hold the largest token; the default does for every
     // document but the strangest.

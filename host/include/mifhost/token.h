@@ -1,4 +1,14 @@
 // The token stream as values: one plain record for each kind of token, and the decoder that makes them.
+//
+// Conventions:
+//  1. Measures are twips, 1440 to the inch, and font sizes points. A reader saturates what does not fit; no record
+//  promises
+//     more than its type does, so a host that draws clamps.
+//  2. Text is bytes of Windows-1252 (charset.h converts it), with whatever control characters the document holds.
+//  3. Views point into the bytes given to the decoder, or into the decoder, and are valid until its next call.
+//  4. Formats hold from where they stand until the next token of their kind, paragraph ends included. A stream begins
+//     with PageSetup, LineSpacing and Charset; all other formats begin with zeros: no font, size 0, black, no modes.
+//  5. Every enumeration's values are those of the stream, in mifreader/tokens.h.
 #ifndef MIFHOST_TOKEN_H
 #define MIFHOST_TOKEN_H
 
@@ -15,6 +25,7 @@
 namespace mifhost
 {
 
+// Of a paragraph between its indents.
 enum class Alignment : std::uint8_t {
     Left = MIF_ALIGN_LEFT,
     Right = MIF_ALIGN_RIGHT,
@@ -22,14 +33,18 @@ enum class Alignment : std::uint8_t {
     LeftRight = MIF_ALIGN_LEFT_RIGHT
 };
 
+// What stands at a tab stop: the left end, the right end or the middle of the text after the tab.
 enum class TabKind : std::uint8_t { Left = MIF_TAB_LEFT, Right = MIF_TAB_RIGHT, Center = MIF_TAB_CENTER };
 
+// Of a paragraph's lines, as a multiple of their height.
 enum class Spacing : std::uint8_t {
     Single = MIF_SPACING_SINGLE,
     OneAndHalf = MIF_SPACING_ONE_AND_HALF,
     Double = MIF_SPACING_DOUBLE
 };
 
+// What characters can be, each on or off apart from the others; but Superscript and Subscript are not on at once, and
+// SmallCaps and UpperCase neither.
 enum class Mode : std::uint8_t { Bold, Italic, Underline, Strike, Superscript, Subscript, SmallCaps, UpperCase };
 
 // A run of text, which may be empty. Bytes of Windows-1252.
@@ -56,25 +71,28 @@ struct TabStops {
     std::span<const TabStop> stops;
 };
 
-// A tab character.
+// A tab character, to the next of the tab stops in force.
 struct Tab {
 };
 
-// A character mode goes on or off.
+// A character mode goes on or off. One that is on may be switched on again; at a paragraph's end all go off.
 struct Attribute {
     Mode mode;
     bool on;
 };
 
-// The columns of the table cells that follow, in twips.
+// The columns of the table cells that follow, in twips: once for each table, before its first cell. A table of a
+// document that does not state them all has none.
 struct TableRow {
     std::span<const std::int32_t> columnWidths;
     std::int32_t offset; // of the table from the left indent; negative for a table that is wider than the text
 };
 
+// The end of a table, with or without a TableRow before it.
 struct TableEnd {
 };
 
+// The end of a cell. Rows have no end of their own: so many cells as there are columns are one.
 struct CellEnd {
 };
 
@@ -82,6 +100,7 @@ struct CellEnd {
 struct ParaEnd {
 };
 
+// The end of a line that the document asks for, or of a paragraph's last one.
 struct LineBreak {
 };
 
@@ -101,10 +120,12 @@ struct PageSetup {
     std::uint32_t bottomMargin;
 };
 
+// The line spacing of the paragraphs that follow.
 struct LineSpacing {
     Spacing spacing;
 };
 
+// The color of the text that follows, 0 to 255 of each.
 struct TextColor {
     std::uint8_t red;
     std::uint8_t green;
@@ -124,6 +145,7 @@ struct Charset {
     std::uint32_t number;
 };
 
+// In the order in which Token::index() counts them.
 using Token = std::variant<Text, ParaFormat, TabStops, Tab, Attribute, TableRow, TableEnd, CellEnd, ParaEnd, LineBreak,
                            Font, PageSetup, LineSpacing, TextColor, Frame, Charset>;
 
