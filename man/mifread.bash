@@ -18,13 +18,13 @@ _mifread()
             _filedir so
             return
             ;;
-        -j | --jobs | --buffer | --max-memory | --max-output)
+        -j | --jobs | --buffer | --max-memory | --max-output | --max-work | --max-input | --timeout)
             return
             ;;
     esac
     $split && return
 
-    local single='--help --output --max-memory --max-output --buffer --plugin'
+    local single='--help --output --max-memory --max-output --max-work --max-input --timeout --buffer --plugin'
     local batch="$single --directory --recursive --jobs --fail-fast --report --quiet"
     local -A options=(
         [text]=$batch

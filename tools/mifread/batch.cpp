@@ -19,6 +19,7 @@
 #include <oneapi/tbb/task_arena.h>
 
 #include "inputs.h"
+#include "interruption.h"
 #include "mifhost/error.h"
 #include "mifhost/plugin.h"
 #include "mifhost/stream.h"
@@ -26,6 +27,7 @@
 #include "paths.h"
 #include "progress.h"
 #include "report.h"
+#include "system.h"
 
 namespace mifread
 {
@@ -38,6 +40,13 @@ namespace fs = std::filesystem;
 // What is written for a document, unless the user says otherwise: so much no honest document gives.
 constexpr std::uint64_t outputRatio = 100;
 constexpr std::uint64_t outputAlways = std::uint64_t{64} * 1024 * 1024;
+
+// Likewise, the work of reading it.
+constexpr std::uint64_t workRatio = 200;
+constexpr std::uint64_t workAlways = std::uint64_t{256} * 1024 * 1024;
+
+// Seconds of processor time for each of several documents: one alone has somebody who waits for it.
+constexpr double batchTimeout = 300;
 
 // Documents whose turn has not come yet wait converted. Their outcomes are small, their text need not be.
 constexpr std::size_t waitingOutcomes = 64;
@@ -68,6 +77,37 @@ std::vector<std::string> listOutputs(const std::vector<Input> &inputs, const Opt
     }
     return outputs;
 }
+
+void waitForInput(int file)
+{
+    if (!system::waitToRead(file)) {
+        throw Interrupted();
+    }
+    throwIfInterrupted(); // what never ends is always ready
+}
+
+// Throws when a document has to end: asked for again and again, on the thread that converts it.
+class Deadline
+{
+public:
+    // stream   the document, which must live as long as this
+    // seconds  of processor time; 0 for no limit
+    Deadline(const mifhost::Stream &stream, double seconds) : stream_(stream), seconds_(seconds) {}
+
+    void operator()() const
+    {
+        throwIfInterrupted();
+        if (seconds_ > 0 && system::processorSeconds() - start_ > seconds_) {
+            throw mifhost::LimitReached(stream_.name(), stream_.position(),
+                                        fmt::format("the limit of {} s of processor time is reached", seconds_));
+        }
+    }
+
+private:
+    const mifhost::Stream &stream_;
+    double seconds_;
+    double start_ = system::processorSeconds();
+};
 
 // A document on its way through the pipeline.
 struct Job {
@@ -225,6 +265,8 @@ bool Batch::writeResults()
             output_->commit();
         }
         return true;
+    } catch (const Interrupted &) { // while it waited for somebody who reads
+        return true;
     } catch (const OutputError &error) {
         progress_.complain(error.what());
         return false;
@@ -283,7 +325,6 @@ void Batch::convert(Job &job)
     } catch (const Interrupted &) {
         job.wasInterrupted = true;
     } catch (...) {
-        job.wasInterrupted = caughtSignal() != 0; // while it waited for a pipe
         noteFailure(outcome, !hasOwnFiles());
     }
     stop_ = stop_ || (options_.failFast && outcome.hasFailed());
@@ -302,16 +343,19 @@ void Batch::convertToFile(Job &job)
 
 void Batch::convertTo(Job &job, Output &output)
 {
-    mifhost::FileStream stream(job.input->path);
+    const std::uint64_t sizeLimit = std::min(options_.maxInput, mifhost::Stream::largestDocument);
+    mifhost::FileStream stream(job.input->path, {sizeLimit, waitForInput});
     Outcome &outcome = job.outcome;
     outcome.size = stream.size();
-    const mifhost::DocumentOptions documentOptions{options_.bufferSize, options_.maxMemory};
-    mifhost::Document document(plugin_, stream, documentOptions);
+    const std::uint64_t workLimit =
+        options_.maxWork > 0 ? options_.maxWork : std::max(workAlways, workRatio * stream.size());
+    const Deadline deadline(stream, options_.timeout.value_or(inputs_.size() > 1 ? batchTimeout : 0));
+    mifhost::Document document(plugin_, stream, {options_.bufferSize, options_.maxMemory, workLimit, deadline});
 
-    const std::uint64_t limit =
+    const std::uint64_t outputLimit =
         options_.maxOutput > 0 ? options_.maxOutput : std::max(outputAlways, outputRatio * stream.size());
     DocumentProgress progress(progress_, stream.size());
-    Conversion conversion(document, output, folderOf(*job.input), {limit},
+    Conversion conversion(document, output, folderOf(*job.input), {outputLimit},
                           [&progress](int percent) { progress.reach(percent); });
     command_.convert(conversion);
     outcome.messages = conversion.losses();

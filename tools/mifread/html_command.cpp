@@ -11,7 +11,8 @@ namespace
 void writePage(Conversion &conversion)
 {
     const mifhost::Document &document = conversion.document();
-    const auto showFrame = [&conversion](const mifhost::Frame &frame) { writeHtmlFrame(conversion, frame); };
+    HtmlFrames frames(conversion);
+    const auto showFrame = [&frames](const mifhost::Frame &frame) { frames.write(frame); };
     HtmlWriter writer(document.name(), document.fonts(), conversion.charset(), showFrame, conversion.text());
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);

@@ -75,21 +75,17 @@ void appendSize(const mifhost::Frame &frame, std::string &out)
     out += '"';
 }
 
-// Appends a frame's element while its object is read.
+// Appends a frame's element: its beginning, its data and its end.
 class FrameWriter
 {
 public:
     FrameWriter(const mifhost::Frame &frame, std::string &out) : frame_(frame), name_(safeName(frame.id)), out_(out) {}
 
-    // Takes the object's next block; the first one tells the type.
+    void begin(const FileType &type);
     void add(std::span<const std::uint8_t> block);
-
-    // Ends the element.
     void finish();
 
 private:
-    void begin(const FileType &type);
-
     const mifhost::Frame &frame_;
     std::string name_;
     std::string &out_;
@@ -99,9 +95,6 @@ private:
 
 void FrameWriter::add(std::span<const std::uint8_t> block)
 {
-    if (end_.empty()) {
-        begin(identifyFile(block));
-    }
     encoder_.append(block, out_);
 }
 
@@ -134,11 +127,24 @@ void FrameWriter::begin(const FileType &type)
 
 } // namespace
 
-void writeHtmlFrame(Conversion &conversion, const mifhost::Frame &frame)
+void HtmlFrames::write(const mifhost::Frame &frame)
 {
-    FrameWriter writer(frame, conversion.text());
-    readObject(conversion, std::string(frame.id),
-               [&writer](std::span<const std::uint8_t> block) { writer.add(block); });
+    FrameWriter writer(frame, conversion_.text());
+    auto known = objects_.find(frame.id);
+    if (known != objects_.end()) {
+        writer.begin(known->second.type);
+    }
+    if (known == objects_.end() || known->second.isWhole) {
+        const std::string id(frame.id);
+        const bool isWhole = readObject(conversion_, id, [&](std::span<const std::uint8_t> block) {
+            if (known == objects_.end()) {
+                known = objects_.emplace(id, Object{identifyFile(block)}).first;
+                writer.begin(known->second.type);
+            }
+            writer.add(block);
+        });
+        known->second.isWhole = isWhole;
+    }
     writer.finish();
 }
 

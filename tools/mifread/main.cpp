@@ -11,6 +11,7 @@
 
 #include "batch.h"
 #include "command.h"
+#include "interruption.h"
 #include "mifhost/document.h"
 #include "options.h"
 #include "system.h"
@@ -57,6 +58,24 @@ CLI::App *addCommand(CLI::App &program, const char *name, const char *descriptio
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""))
         ->check(isPositive);
+    command
+        ->add_option("--max-work", options.maxWork,
+                     "The most bytes that may be read and turned into tokens for a document; 200 times its size, but "
+                     "at least 256M, if not given")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->check(isPositive);
+    command
+        ->add_option("--max-input", options.maxInput, "The largest document to be read; 2G less one byte if not given")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->check(isPositive);
+    command
+        ->add_option("--timeout", options.timeout,
+                     "The most processor time for a document, 0 for any; if not given, 300 for each of several "
+                     "documents, any for one")
+        ->type_name("SECONDS")
+        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
     command->add_option("--buffer", options.bufferSize, "The reader's token buffer, 65536 bytes if not given")
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""))

@@ -15,6 +15,7 @@
 #include "file_type.h"
 #include "mifhost/error.h"
 #include "mifhost/object.h"
+#include "object_data.h"
 #include "paths.h"
 
 namespace mifread
@@ -76,8 +77,8 @@ try {
     file.commit();
     fmt::format_to(std::back_inserter(conversion_.text()), "{}\t{}\t{}\t{}\t{}\t{}\n", frame.id, type.mimeType,
                    object.tell(), frame.width, frame.height, file.name());
-} catch (const mifhost::LimitReached &error) { // of this object: others may do
-    conversion_.addLoss(error.what());
+} catch (const mifhost::ObjectLimitReached &error) { // others may do
+    conversion_.addLoss(unreadableObjects, error.what());
 } catch (const OutputError &error) { // of the object's file, which the other documents do not share
     throw mifhost::IoError("", std::nullopt, error.what());
 }

@@ -24,7 +24,8 @@ public:
 // Makes a folder and those that it is in, where they are missing. Throws OutputError.
 void makeFolder(const std::filesystem::path &folder);
 
-// Collects text and writes it in large blocks. What cannot be written is thrown as OutputError.
+// Collects text and writes it in large blocks. What cannot be written is thrown as OutputError; a signal that comes
+// while nobody reads from a pipe, as Interrupted.
 class Output
 {
 public:
@@ -74,6 +75,7 @@ protected:
     mifhost::FileDescriptor file_;
     std::string text_;
     std::uint64_t written_ = 0; // bytes written to the file
+    bool mayWait_ = false;      // for somebody who reads from the file
 };
 
 // A file or standard output. A named file comes into being, or is replaced, as a whole by commit(); until then the text

@@ -2,6 +2,7 @@
 #ifndef MIFREAD_SYSTEM_H
 #define MIFREAD_SYSTEM_H
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -29,6 +30,7 @@ bool isTerminal(int file) noexcept;
 // A descriptor of its own for the file that is standard output, above those of the standard streams.
 int openStandardOutput() noexcept;
 
+// Waits until somebody reads from a pipe; a signal ends the wait, and errno is EINTR.
 int openExisting(const std::filesystem::path &path) noexcept;
 
 // Makes a file, which must not be there; errno is EEXIST if it is.
@@ -43,6 +45,18 @@ std::filesystem::path spellingOf(const std::filesystem::path &path);
 // Has the signals by which a user ends a program call handler once each; a second one ends the program. Those that the
 // program was started to ignore stay ignored.
 void catchSignals(void (*handler)(int number)) noexcept;
+
+// Wait until a file can be read from, or smallWrite bytes can be written to it, without waiting. Return false when one
+// of these signals came and the file is not ready. Where the system cannot tell they return true at once.
+bool waitToRead(int file) noexcept;
+bool waitToWrite(int file) noexcept;
+constexpr std::size_t smallWrite = 4096;
+
+// Whether writing to a file may wait for somebody who reads: it is a pipe or a terminal.
+bool mayWait(int file) noexcept;
+
+// The processor time that the calling thread has used, in seconds.
+double processorSeconds() noexcept;
 
 // Ends the program as a signal does that nobody catches.
 void endBySignal(int number) noexcept;

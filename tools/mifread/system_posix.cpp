@@ -1,13 +1,48 @@
 #include "system.h"
 
+#include <array>
+#include <cerrno>
+#include <climits>
 #include <csignal>
+#include <ctime>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace mifread::system
 {
+
+namespace
+{
+
+static_assert(smallWrite <= PIPE_BUF);
+
+void (*signalHandler)(int number) = nullptr;
+
+// Has something to read as soon as a signal was caught. A signal that comes between a look at a variable and a wait, or
+// to another thread, does not get lost in it.
+std::array<int, 2> signalPipe = {-1, -1};
+
+void handleSignal(int number)
+{
+    const int error = errno;
+    signalHandler(number);
+    [[maybe_unused]] const ssize_t written = write(signalPipe[1], "", 1);
+    errno = error;
+}
+
+// Returns whether the file is ready, or there was an error; false when a signal came, or at the end of the time.
+bool waitFor(int file, short event, int milliseconds = -1)
+{
+    std::array<pollfd, 2> waiting = {{{file, event, 0}, {signalPipe[0], POLLIN, 0}}};
+    while (poll(waiting.data(), waiting.size(), milliseconds) < 0 && errno == EINTR) {
+    }
+    return waiting[0].revents != 0;
+}
+
+} // namespace
 
 void prepareStandardStreams()
 {
@@ -33,7 +68,26 @@ int openStandardOutput() noexcept
 
 int openExisting(const std::filesystem::path &path) noexcept
 {
-    return open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    struct stat status {
+    };
+    if (stat(path.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode)) {
+        return open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    }
+    for (;;) {
+        const int file = open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+        if (file >= 0) {
+            fcntl(file, F_SETFL, O_WRONLY);
+            return file;
+        }
+        if (errno != ENXIO) {
+            return -1;
+        }
+        constexpr int milliseconds = 50;
+        if (waitFor(signalPipe[0], POLLIN, milliseconds)) {
+            errno = EINTR;
+            return -1;
+        }
+    }
 }
 
 int createFile(const std::filesystem::path &path, const std::filesystem::path &model) noexcept
@@ -54,9 +108,16 @@ std::filesystem::path spellingOf(const std::filesystem::path &path)
 
 void catchSignals(void (*handler)(int number)) noexcept
 {
+    if (pipe(signalPipe.data()) == 0) {
+        for (const int end : signalPipe) {
+            fcntl(end, F_SETFD, FD_CLOEXEC);
+            fcntl(end, F_SETFL, O_NONBLOCK);
+        }
+    }
+    signalHandler = handler;
     struct sigaction action {
     };
-    action.sa_handler = handler;
+    action.sa_handler = handleSignal;
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction present {
@@ -66,6 +127,31 @@ void catchSignals(void (*handler)(int number)) noexcept
             sigaction(number, &action, nullptr);
         }
     }
+}
+
+bool waitToRead(int file) noexcept
+{
+    return waitFor(file, POLLIN);
+}
+
+bool waitToWrite(int file) noexcept
+{
+    return waitFor(file, POLLOUT);
+}
+
+bool mayWait(int file) noexcept
+{
+    struct stat status {
+    };
+    return fstat(file, &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode) || isTerminal(file));
+}
+
+double processorSeconds() noexcept
+{
+    constexpr double nanosecond = 1e-9;
+    timespec used{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
+    return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) * nanosecond;
 }
 
 void endBySignal(int number) noexcept
