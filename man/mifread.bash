@@ -18,13 +18,13 @@ _mifread()
             _filedir so
             return
             ;;
-        -j | --jobs | --buffer | --max-memory | --max-output)
+        -j | --jobs | --buffer | --max-memory | --max-output | --max-work | --max-input | --timeout)
             return
             ;;
     esac
     $split && return
 
-    local single='--help --output --max-memory --max-output --buffer --plugin'
+    local single='--help --output --max-memory --max-output --max-work --max-input --timeout --buffer --plugin'
     local many="$single --directory --files-from --null --recursive --jobs --fail-fast --dry-run --report --quiet"
     local batch="$many --update"
     local -A options=(

@@ -24,6 +24,7 @@
 #include "claims.h"
 #include "dry_run.h"
 #include "inputs.h"
+#include "interruption.h"
 #include "mifhost/error.h"
 #include "mifhost/plugin.h"
 #include "mifhost/stream.h"
@@ -33,6 +34,7 @@
 #include "progress.h"
 #include "refusal.h"
 #include "report.h"
+#include "system.h"
 
 namespace mifread
 {
@@ -45,6 +47,13 @@ namespace fs = std::filesystem;
 // What is written for a document, unless the user says otherwise: so much no honest document gives.
 constexpr std::uint64_t outputRatio = 100;
 constexpr std::uint64_t outputAlways = std::uint64_t{64} * 1024 * 1024;
+
+// Likewise, the work of reading it.
+constexpr std::uint64_t workRatio = 200;
+constexpr std::uint64_t workAlways = std::uint64_t{256} * 1024 * 1024;
+
+// Seconds of processor time for each of several documents: one alone has somebody who waits for it.
+constexpr double batchTimeout = 300;
 
 // Documents whose turn has not come yet wait converted. Their outcomes are small, their text need not be.
 constexpr std::size_t waitingOutcomes = 64;
@@ -62,6 +71,37 @@ void makeFolderOf(const std::string &file, const Options &options, Claims &claim
         makeFolder(pathOf(file).parent_path());
     }
 }
+
+void waitForInput(int file)
+{
+    if (!system::waitToRead(file)) {
+        throw Interrupted();
+    }
+    throwIfInterrupted(); // what never ends is always ready
+}
+
+// Throws when a document has to end: asked for again and again, on the thread that converts it.
+class Deadline
+{
+public:
+    // stream   the document, which must live as long as this
+    // seconds  of processor time; 0 for no limit
+    Deadline(const mifhost::Stream &stream, double seconds) : stream_(stream), seconds_(seconds) {}
+
+    void operator()() const
+    {
+        throwIfInterrupted();
+        if (seconds_ > 0 && system::processorSeconds() - start_ > seconds_) {
+            throw mifhost::LimitReached(stream_.name(), stream_.position(),
+                                        fmt::format("the limit of {} s of processor time is reached", seconds_));
+        }
+    }
+
+private:
+    const mifhost::Stream &stream_;
+    double seconds_;
+    double start_ = system::processorSeconds();
+};
 
 // A document on its way through the pipeline.
 struct Job {
@@ -219,9 +259,9 @@ ExitCode Batch::run()
     const ExitCode code = isWritten ? report_.exitCode() : ExitCode::Io;
     // The way in which shells tell that a signal ended a program.
     report_.finish(signal != 0 ? 128 + signal : static_cast<int>(code), signal);
-    if (signal != 0) {
+    if (signal != 0 && signal != system::brokenPipeSignal()) {
         progress_.complain("interrupted");
-    } else if (!options_.quiet) {
+    } else if (signal == 0 && !options_.quiet) {
         report_.summarize(progress_);
     }
     return code;
@@ -235,6 +275,8 @@ bool Batch::writeResults()
         if (output_ != nullptr && report_.anyConverted() && caughtSignal() == 0) {
             output_->commit();
         }
+        return true;
+    } catch (const Interrupted &) { // while it waited for somebody who reads
         return true;
     } catch (const OutputError &error) {
         progress_.complain(error.what());
@@ -321,7 +363,6 @@ void Batch::convert(Job &job)
     } catch (const Interrupted &) {
         job.wasInterrupted = true;
     } catch (...) {
-        job.wasInterrupted = caughtSignal() != 0; // while it waited for a pipe
         noteFailure(outcome, !hasOwnFiles());
     }
     stop_ = stop_ || (options_.failFast && outcome.hasFailed());
@@ -339,16 +380,19 @@ void Batch::convertToFile(Job &job)
 
 void Batch::convertTo(Job &job, Output &output)
 {
-    mifhost::FileStream stream(job.input->path);
+    const std::uint64_t sizeLimit = std::min(options_.maxInput, mifhost::Stream::largestDocument);
+    mifhost::FileStream stream(job.input->path, {sizeLimit, waitForInput});
     Outcome &outcome = job.outcome;
     outcome.size = stream.size();
-    const mifhost::DocumentOptions documentOptions{options_.bufferSize, options_.maxMemory};
-    mifhost::Document document(plugin_, stream, documentOptions);
+    const std::uint64_t workLimit =
+        options_.maxWork > 0 ? options_.maxWork : std::max(workAlways, workRatio * stream.size());
+    const Deadline deadline(stream, options_.timeout.value_or(inputs_.size() > 1 ? batchTimeout : 0));
+    mifhost::Document document(plugin_, stream, {options_.bufferSize, options_.maxMemory, workLimit, deadline});
 
-    const std::uint64_t limit =
+    const std::uint64_t outputLimit =
         options_.maxOutput > 0 ? options_.maxOutput : std::max(outputAlways, outputRatio * stream.size());
     DocumentProgress progress(progress_, stream.size());
-    Conversion conversion(document, output, job.input->result, claims_, {limit},
+    Conversion conversion(document, output, job.input->result, claims_, {outputLimit},
                           [&progress](int percent) { progress.reach(percent); });
     try {
         command_.convert(conversion);

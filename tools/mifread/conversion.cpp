@@ -1,17 +1,16 @@
 #include "conversion.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <optional>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "interruption.h"
 #include "mifhost/error.h"
 #include "mifhost/source_check.h"
 #include "paths.h"
-#include "system.h"
 
 namespace mifread
 {
@@ -19,8 +18,8 @@ namespace mifread
 namespace
 {
 
-std::atomic<int> signalCaught = 0;
-static_assert(std::atomic<int>::is_always_lock_free, "set by a signal handler");
+// More losses of one kind help nobody.
+constexpr std::uint64_t mostTold = 20;
 
 // What the reader lost of a document that it read to its end.
 void addReaderLosses(const mifhost::Document &document, std::vector<std::string> &losses)
@@ -46,16 +45,6 @@ void addReaderLosses(const mifhost::Document &document, std::vector<std::string>
 }
 
 } // namespace
-
-void watchSignals()
-{
-    system::catchSignals([](int number) { signalCaught = number; });
-}
-
-int caughtSignal() noexcept
-{
-    return signalCaught;
-}
 
 Conversion::Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, Claims &claims,
                        const Limits &limits, Progress progress)
@@ -92,18 +81,29 @@ void Conversion::keepGoing(std::uint64_t bytesElsewhere)
                                     fmt::format("the output limit of {} bytes is reached", limits_.output));
     }
     output_.writeFullBlocks();
-    if (caughtSignal() != 0) {
-        throw Interrupted();
-    }
+    throwIfInterrupted();
     if (document_.percent() != percentReported_) {
         percentReported_ = document_.percent();
         progress_(percentReported_);
     }
 }
 
+void Conversion::addLoss(std::string_view kind, std::string message)
+{
+    if (++lossCounts_[kind] <= mostTold) {
+        losses_.push_back(std::move(message));
+    }
+}
+
 std::vector<std::string> Conversion::losses() const
 {
     std::vector<std::string> all = losses_;
+    for (const auto &[kind, count] : lossCounts_) {
+        if (count > mostTold) {
+            all.push_back(
+                fmt::format("{}: {}: {}, of which the first {} are told", document_.name(), kind, count, mostTold));
+        }
+    }
     if (charset_.undefinedBytes() > 0) {
         all.push_back(fmt::format("{}: characters that Windows-1252 does not define were replaced by U+FFFD: {}",
                                   document_.name(), charset_.undefinedBytes()));

@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <stdexcept>
+#include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "claims.h"
@@ -16,19 +17,6 @@
 
 namespace mifread
 {
-
-// The user asked the program to end.
-class Interrupted : public std::runtime_error
-{
-public:
-    Interrupted() : std::runtime_error("interrupted") {}
-};
-
-// Has the signals by which a user ends a program end all conversions with Interrupted; a second one ends the program.
-void watchSignals();
-
-// The signal that asked the program to end, or 0.
-int caughtSignal() noexcept;
 
 // One document on its way to one output.
 class Conversion
@@ -79,11 +67,9 @@ public:
     }
 
     // A piece of the document could not be converted: a message without the program's name, and the document is said to
-    // be converted with losses.
-    void addLoss(std::string message)
-    {
-        losses_.push_back(std::move(message));
-    }
+    // be converted with losses. Of each kind the first ones are told and the others counted.
+    // kind  what was lost, in the plural; lives as long as the program
+    void addLoss(std::string_view kind, std::string message);
 
     // What was lost: by addLoss(), of the character set, and, when the document was read to its end, by the reader.
     std::vector<std::string> losses() const;
@@ -97,8 +83,9 @@ private:
     Progress progress_;
     mifhost::Windows1252 charset_;
     std::vector<std::string> losses_;
-    std::uint64_t outputStart_;        // size of the output before this document
-    std::uint64_t bytesElsewhere_ = 0; // written to other files
+    std::map<std::string_view, std::uint64_t> lossCounts_; // by kind
+    std::uint64_t outputStart_;                            // size of the output before this document
+    std::uint64_t bytesElsewhere_ = 0;                     // written to other files
     int percentReported_ = 0;
 };
 

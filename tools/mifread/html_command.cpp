@@ -1,3 +1,5 @@
+#include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,27 +17,57 @@ namespace mifread
 namespace
 {
 
-// An object that cannot be read is a loss.
-void showObject(Conversion &conversion, const mifhost::Frame &frame)
+// Shows the objects of one document. One that cannot be read is a loss; the page has its beginning once.
+class PageObjects
+{
+public:
+    explicit PageObjects(Conversion &conversion) : conversion_(conversion) {}
+
+    void show(const mifhost::Frame &frame);
+
+private:
+    // What the first frame of an object showed of it, which is costly to find out.
+    struct Known {
+        FileType type;
+        bool isWhole = false; // all of its data can be read
+    };
+
+    Conversion &conversion_;
+    std::map<std::string, Known, std::less<>> objects_; // by identifier
+};
+
+void PageObjects::show(const mifhost::Frame &frame)
 {
     std::optional<mifconvert::HtmlObject> element;
-    readObject(conversion, std::string(frame.id), [&](std::span<const std::uint8_t> block) {
-        if (!element) {
-            const FileType type = identifyFile(block);
-            element.emplace(frame, type.mimeType, type.extension, conversion.text());
-        }
-        element->add(block);
-    });
+    const auto begin = [&](const FileType &type) {
+        element.emplace(frame, type.mimeType, type.extension, conversion_.text());
+    };
+    auto known = objects_.find(frame.id);
+    if (known != objects_.end()) {
+        begin(known->second.type);
+    }
+    if (known == objects_.end() || known->second.isWhole) {
+        const std::string id(frame.id);
+        const bool isWhole = readObject(conversion_, id, [&](std::span<const std::uint8_t> block) {
+            if (known == objects_.end()) {
+                known = objects_.emplace(id, Known{identifyFile(block)}).first;
+                begin(known->second.type);
+            }
+            element->add(block);
+        });
+        known->second.isWhole = isWhole;
+    }
     element->finish();
 }
 
 void writePage(Conversion &conversion)
 {
     const mifhost::Document &document = conversion.document();
+    PageObjects objects(conversion);
     const std::string title = textOf(pathOf(document.name()).filename());
     mifconvert::HtmlWriter writer(
-        title, document.fonts(), conversion.charset(),
-        [&conversion](const mifhost::Frame &frame) { showObject(conversion, frame); }, conversion.text());
+        title, document.fonts(), conversion.charset(), [&objects](const mifhost::Frame &frame) { objects.show(frame); },
+        conversion.text());
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);
     }

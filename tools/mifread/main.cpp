@@ -15,6 +15,7 @@
 
 #include "batch.h"
 #include "command.h"
+#include "interruption.h"
 #include "mifhost/document.h"
 #include "options.h"
 #include "output.h"
@@ -63,6 +64,24 @@ CLI::App *addCommand(CLI::App &program, const char *name, const char *descriptio
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""))
         ->check(isPositive);
+    command
+        ->add_option("--max-work", options.maxWork,
+                     "The most bytes that may be read and turned into tokens for a document; 200 times its size, but "
+                     "at least 256M, if not given")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->check(isPositive);
+    command
+        ->add_option("--max-input", options.maxInput, "The largest document to be read; 2G less one byte if not given")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->check(isPositive);
+    command
+        ->add_option("--timeout", options.timeout,
+                     "The most processor time for a document, 0 for any; if not given, 300 for each of several "
+                     "documents, any for one")
+        ->type_name("SECONDS")
+        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
     command->add_option("--buffer", options.bufferSize, "The reader's token buffer, 65536 bytes if not given")
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""))
@@ -139,7 +158,8 @@ std::size_t editDistance(std::string_view from, std::string_view to)
     return row.back();
 }
 
-// What to say when the first argument, empty for none, is no command: which there are, and which one was probably meant.
+// What to say when the first argument, empty for none, is no command: which there are, and which one was probably
+// meant.
 std::string describeCommands(const CLI::App &program, const std::string &argument)
 {
     constexpr std::size_t mostMistakes = 2;
@@ -288,6 +308,8 @@ int mifread::runProgram(std::vector<std::string> arguments)
     ExitCode result = ExitCode::Success;
     try {
         result = run(std::move(arguments));
+    } catch (const Interrupted &) {
+        result = ExitCode::Io;           // the signal is what counts
     } catch (const OutputError &error) { // of help
         Progress(false, 0, 0).complain(error.what());
         result = ExitCode::Io;

@@ -1,5 +1,6 @@
 #include "mime_type.h"
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 
@@ -29,6 +30,9 @@ Magic openMagic(int flags)
         throw mifhost::IoError("the database of file types", std::nullopt,
                                reason != nullptr ? reason : "cannot be opened");
     }
+    // Its regular expressions take time in the square of what they look at, which data can be made for.
+    constexpr std::size_t lookedAt = 1024;
+    magic_setparam(magic.get(), MAGIC_PARAM_REGEX_MAX, &lookedAt);
     return magic;
 }
 

@@ -20,8 +20,8 @@ bool readObject(Conversion &conversion, const std::string &id,
     while (count == blockSize && isWhole) {
         try {
             count = object.read(block);
-        } catch (const mifhost::LimitReached &error) { // of this object: its earlier blocks are kept
-            conversion.addLoss(error.what());
+        } catch (const mifhost::ObjectLimitReached &error) { // its earlier blocks are kept
+            conversion.addLoss(unreadableObjects, error.what());
             count = 0;
             isWhole = false;
         }

@@ -6,11 +6,15 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "conversion.h"
 
 namespace mifread
 {
+
+// The kind of loss that an object is whose data cannot be read.
+constexpr std::string_view unreadableObjects = "objects that cannot be read";
 
 // Hands an object's data to take, block by block: at least one, which may be empty. The first one is large enough to
 // tell the type of the data. Returns whether all of the data could be read; that the rest could not is a loss of the

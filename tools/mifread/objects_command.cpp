@@ -17,6 +17,7 @@
 #include "mifconvert/json_text.h"
 #include "mifhost/error.h"
 #include "mifhost/object.h"
+#include "object_data.h"
 #include "paths.h"
 
 namespace mifread
@@ -80,8 +81,8 @@ try {
     copy(object, firstCount, file);
     file.commit();
     list(frame, type.mimeType, object.tell(), file.name());
-} catch (const mifhost::LimitReached &error) { // of this object: others may do
-    conversion_.addLoss(error.what());
+} catch (const mifhost::ObjectLimitReached &error) { // others may do
+    conversion_.addLoss(unreadableObjects, error.what());
 } catch (const OutputError &error) { // of the object's file, which the other documents do not share
     throw mifhost::IoError("", std::nullopt, error.what());
 }

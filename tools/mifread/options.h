@@ -4,8 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "mifhost/stream.h"
 
 namespace mifread
 {
@@ -40,6 +43,9 @@ struct Options {
     std::string plugin;                                      // a path; empty: the reader the program is linked with
     std::size_t maxMemory = std::size_t{1024} * 1024 * 1024; // bytes of the reader's memory for a document; 0: no limit
     std::uint64_t maxOutput = 0; // bytes written for a document; 0: in proportion to the document
+    std::uint64_t maxWork = 0;   // bytes read and given by the reader for a document; 0: in proportion to the document
+    std::optional<double> timeout; // seconds of processor time for a document; 0 for no limit
+    std::uint64_t maxInput = mifhost::Stream::largestDocument; // bytes of a document
 };
 
 } // namespace mifread

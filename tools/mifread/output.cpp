@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include "interruption.h"
 #include "paths.h"
 #include "system.h"
 
@@ -40,15 +41,24 @@ void Output::flush()
 {
     open();
     std::size_t done = 0;
-    while (done < text_.size()) {
-        const ssize_t count = ::write(file_.get(), text_.data() + done, static_cast<unsigned>(text_.size() - done));
+    while (done < text_.size() && (!mayWait_ || system::waitToWrite(file_.get()))) {
+        const std::size_t left = text_.size() - done;
+        const std::size_t size = mayWait_ ? std::min(left, system::smallWrite) : left;
+        const ssize_t count = ::write(file_.get(), text_.data() + done, static_cast<unsigned>(size));
+        if (count < 0 && errno == EPIPE && isStandardOutput_ && system::brokenPipeSignal() != 0) {
+            interruptBy(system::brokenPipeSignal());
+            throw Interrupted();
+        }
         if (count < 0 && errno != EINTR) {
             fail("cannot write");
         }
         done += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
     written_ += done;
-    text_.clear();
+    text_.erase(0, done);
+    if (!text_.empty()) { // nobody reads
+        throw Interrupted();
+    }
 }
 
 void Output::fail(const char *what) const
@@ -59,15 +69,24 @@ void Output::fail(const char *what) const
 OutputFile::OutputFile(const std::string &path) : Output(path == "-" ? "standard output" : path)
 {
     if (path == "-") {
+        isStandardOutput_ = true;
         file_ = mifhost::FileDescriptor(system::openStandardOutput());
         if (file_.get() < 0) {
             fail("cannot open for writing");
         }
-        return;
+    } else {
+        openTarget(path);
     }
+    mayWait_ = system::mayWait(file_.get());
+}
+
+void OutputFile::openTarget(const std::string &path)
+{
     try {
         target_.emplace(pathOf(path));
         file_ = target_->takeFile();
+    } catch (const Interrupted &) {
+        throw;
     } catch (const std::runtime_error &error) {
         throw OutputError(name_, std::nullopt, error.what());
     }
@@ -150,6 +169,7 @@ void OutputPart::moveTo(Output &output)
                 fail("cannot read");
             }
             position += static_cast<std::uint64_t>(std::max<ssize_t>(count, 0));
+            throwIfInterrupted();
             output.writeFullBlocks();
         }
         file_.close();

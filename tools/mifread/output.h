@@ -25,7 +25,8 @@ public:
 // Makes a folder and those that it is in, where they are missing. Throws OutputError.
 void makeFolder(const std::filesystem::path &folder);
 
-// Collects text and writes it in large blocks. What cannot be written is thrown as OutputError.
+// Collects text and writes it in large blocks. What cannot be written is thrown as OutputError; a signal that comes
+// while nobody reads from a pipe, as Interrupted.
 class Output
 {
 public:
@@ -74,6 +75,8 @@ protected:
     mifhost::FileDescriptor file_;
     std::string text_;
     std::uint64_t written_ = 0; // bytes written to the file
+    bool mayWait_ = false;      // for somebody who reads from the file
+    bool isStandardOutput_ = false;
 };
 
 // A file or standard output. A named file comes into being, or is replaced, as a whole by commit(); until then the text
@@ -96,6 +99,7 @@ public:
 
 private:
     void open() override {}
+    void openTarget(const std::string &path);
     bool isDirect() const noexcept;
 
     std::optional<TargetFile> target_; // none for standard output

@@ -1,8 +1,8 @@
 #include "progress.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
-#include <cstdio>
 #include <system_error>
 
 #include <fmt/chrono.h>
@@ -34,11 +34,17 @@ std::string humanSize(double bytes)
     return unit == 0 ? fmt::format("{:.0f} B", bytes) : fmt::format("{:.1f} {}B", bytes, units[unit]);
 }
 
-// A message that nobody can see is no reason to fail.
-void show(const std::string &text)
+// A message that nobody can see is no reason to fail, nor to wait longer than the user does.
+void show(std::string_view text)
 {
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
+    while (!text.empty() && system::waitToWrite(STDERR_FILENO)) {
+        const auto size = static_cast<unsigned>(std::min(text.size(), system::smallWrite));
+        const ssize_t count = write(STDERR_FILENO, text.data(), size);
+        if (count < 0 && errno != EINTR) {
+            return;
+        }
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
 }
 
 } // namespace

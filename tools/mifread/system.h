@@ -2,6 +2,7 @@
 #ifndef MIFREAD_SYSTEM_H
 #define MIFREAD_SYSTEM_H
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -46,8 +47,27 @@ std::filesystem::path spellingOf(const std::filesystem::path &path);
 // program was started to ignore stay ignored.
 void catchSignals(void (*handler)(int number)) noexcept;
 
+// Wait until a file can be read from, or smallWrite bytes can be written to it, without waiting. Return false when one
+// of these signals came and the file is not ready. Where the system cannot tell they return true at once.
+bool waitToRead(int file) noexcept;
+bool waitToWrite(int file) noexcept;
+constexpr std::size_t smallWrite = 4096;
+
+// Waits so long. Returns false at once when one of these signals comes.
+bool pauseFor(int milliseconds) noexcept;
+
+// Whether writing to a file may wait for somebody who reads: it is a pipe or a terminal.
+bool mayWait(int file) noexcept;
+
+// The processor time that the calling thread has used, in seconds.
+double processorSeconds() noexcept;
+
 // Ends the program as a signal does that nobody catches.
 void endBySignal(int number) noexcept;
+
+// The signal by which a program ends, without a word, whose standard output nobody reads any more; 0 where there is
+// none.
+int brokenPipeSignal() noexcept;
 
 } // namespace system
 

@@ -103,6 +103,46 @@ void catchSignals(void (*handler)(int number)) noexcept
     }
 }
 
+bool waitToRead(int /*file*/) noexcept
+{
+    return true;
+}
+
+bool waitToWrite(int /*file*/) noexcept
+{
+    return true;
+}
+
+bool pauseFor(int milliseconds) noexcept
+{
+    Sleep(static_cast<DWORD>(milliseconds));
+    return true;
+}
+
+bool mayWait(int /*file*/) noexcept
+{
+    return false;
+}
+
+double processorSeconds() noexcept
+{
+    constexpr double unit = 100e-9; // of a FILETIME, in seconds
+    FILETIME begin{};
+    FILETIME end{};
+    FILETIME kernel{};
+    FILETIME user{};
+    GetThreadTimes(GetCurrentThread(), &begin, &end, &kernel, &user);
+    const auto ticks = [](const FILETIME &time) {
+        return static_cast<double>(std::uint64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime);
+    };
+    return (ticks(kernel) + ticks(user)) * unit;
+}
+
+int brokenPipeSignal() noexcept
+{
+    return 0;
+}
+
 void endBySignal(int /*number*/) noexcept
 {
     ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));

@@ -12,6 +12,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "interruption.h"
+#include "system.h"
+
 namespace mifread
 {
 
@@ -176,14 +179,22 @@ void Walk::requireTrust() const
     }
 }
 
-// Opens a device or a pipe.
+// Opens a device or a pipe. A pipe is waited for until somebody reads from it, or a signal comes.
 FileDescriptor openAsItIs(const Walk &place)
 {
-    const int flags = O_WRONLY | O_CLOEXEC | (S_ISLNK(place.status.st_mode) ? 0 : O_NOFOLLOW);
+    constexpr int milliseconds = 50;
+    const int flags = O_WRONLY | O_CLOEXEC | O_NONBLOCK | (S_ISLNK(place.status.st_mode) ? 0 : O_NOFOLLOW);
     FileDescriptor file(openat(place.folder.get(), place.name.c_str(), flags));
+    while (file.get() < 0 && errno == ENXIO && S_ISFIFO(place.status.st_mode)) {
+        if (!system::pauseFor(milliseconds)) {
+            throw Interrupted();
+        }
+        file = FileDescriptor(openat(place.folder.get(), place.name.c_str(), flags));
+    }
     if (file.get() < 0) {
         fail(cannotOpen);
     }
+    fcntl(file.get(), F_SETFL, O_WRONLY);
     return file;
 }
 
