@@ -193,7 +193,7 @@ private:
     void convert(Job &job);
     void convertToFile(Job &job);
     void convertTo(Job &job, Output &output);
-    void finish(Job &job);
+    void finishJob(Job &job);
     void join(Job &job);
 
     const Options &options_;
@@ -286,7 +286,7 @@ void Batch::runPipeline()
             return job;
         });
     const auto sink = tbb::make_filter<JobPointer, void>(tbb::filter_mode::serial_in_order,
-                                                         [this](const JobPointer &job) { finish(*job); });
+                                                         [this](const JobPointer &job) { finishJob(*job); });
     tbb::task_arena arena(static_cast<int>(jobs_));
     arena.execute([&] { tbb::parallel_pipeline(waiting, source & conversion & sink); });
 }
@@ -372,7 +372,7 @@ fs::path Batch::folderOf(const Input &input) const
     return isAlone ? folder : folder / input.result;
 }
 
-void Batch::finish(Job &job)
+void Batch::finishJob(Job &job)
 {
     progress_.addDocument();
     if (!hasOwnFiles()) {
