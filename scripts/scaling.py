@@ -9,8 +9,10 @@ document, and the exponent of their growth with the document's bytes is fitted: 
 instructions a byte is printed too. Ends with 1 when an exponent is above 1.1.
 
 Some families have one thing done again and again: a table at each of its anchors, say. Their work is measured against
-the number of times, less that for none, and what a byte costs that asks for another time. Where that is more than 10,000 instructions, a
-document that asks often enough has to end at a limit of the program, with exit code 5, or the script ends with 1.
+the number of times, less that for none, and what a byte costs that asks for another time.
+
+Where a byte costs more than 10,000 instructions, a document of the family that is large enough has to end at a limit of
+the program, with exit code 5, or the script ends with 1.
 """
 import math
 import os
@@ -25,7 +27,7 @@ DATA = "<ImportObject\n=A\n&%v\n&data\n=EndInset\n>"
 SIZES = 4
 LIMIT = 1.1
 DEAR = 10000  # instructions a byte
-OFTEN = 100000  # more times than any limit allows what is dear
+OFTEN = 30000  # more times than any limit allows what is dear
 COMMANDS = ("text", "html")
 
 
@@ -188,7 +190,7 @@ def macro_calls(n):
 
 # Name: generator, times in the smallest document.
 REPEATED = {
-    "anchors": (anchors, 10), "empty-anchors": (empty_anchors, 100), "comment-anchors": (comment_anchors, 20),
+    "anchors": (anchors, 10), "empty-anchors": (empty_anchors, 1000), "comment-anchors": (comment_anchors, 20),
     "object-anchors": (object_anchors, 20), "unreadable-anchors": (unreadable_anchors, 100),
     "families": (families, 5), "tab-lists": (tab_lists, 10), "tabs": (tabs, 100),
 }
@@ -244,7 +246,7 @@ def measure(program, command, name, path):
 
 def is_limited(program, command, name, path):
     """Whether a document that asks for the same often ends at a limit."""
-    write(path, HEADER + REPEATED[name][0](OFTEN))
+    write(path, HEADER + FAMILIES[name][0](OFTEN))
     done = subprocess.run([program, command, path], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
     return done.returncode == 5
 
@@ -261,9 +263,9 @@ def judge(program, command, name, path):
     remark = ""
     is_good = exponent <= LIMIT
     if dearest > DEAR:
-        is_limited_here = name in REPEATED and is_limited(program, command, name, path)
-        is_good = is_good and is_limited_here
-        remark = "ends at a limit" if is_limited_here else "has no limit"
+        ends = is_limited(program, command, name, path)
+        is_good = is_good and ends
+        remark = "ends at a limit" if ends else "has no limit"
     print(f"{name:18} {command:4} {sizes[0]:12,} {sizes[-1]:9,}  {dearest:19,.1f}  {exponent:8.3f}  {remark}"
           + ("" if is_good else "  ABOVE THE LIMIT"), flush=True)
     return is_good

@@ -19,6 +19,11 @@ run 2 'there are text, .*mifread text good.mif\?' good.mif
 run 2 'Did you mean: mifread text\?' txt good.mif
 run 2 'max-memory: must be more than 0$' text --max-memory 0 good.mif
 "$mifread" --help 2>err >/dev/full; [ $? -eq 3 ] || fail 'help on a full disk'
+{ printf '<MIFFile 5>%s<TextRectID 9>' "$body"; for i in {1..20000}; do echo "<Para <String \`line $i'>>"; done; } >lines.mif
+for command in text json; do
+    "$mifread" "$command" lines.mif 2>err | head -n 1 >out
+    [ "${PIPESTATUS[0]}" -eq 141 ] && [ ! -s err ] || fail "$command: nobody reads the rest; $(cat err)"
+done
 "$mifread" --version 2>err >&-; [ $? -eq 3 ] || fail 'the version on a closed standard output'
 run 2 'help' text
 run 2 'help' text --nonsense good.mif

@@ -200,7 +200,7 @@ private:
     void convert(Job &job);
     void convertToFile(Job &job);
     void convertTo(Job &job, Output &output);
-    void finish(Job &job);
+    void finishJob(Job &job);
     void join(Job &job);
 
     const Options &options_;
@@ -297,7 +297,7 @@ void Batch::runPipeline()
             return job;
         });
     const auto sink = tbb::make_filter<JobPointer, void>(
-        tbb::filter_mode::serial_in_order, [this](const JobPointer &job) { attempt([&] { finish(*job); }); });
+        tbb::filter_mode::serial_in_order, [this](const JobPointer &job) { attempt([&] { finishJob(*job); }); });
     tbb::task_arena arena(static_cast<int>(jobs_));
     arena.execute([&] { tbb::parallel_pipeline(waiting, source & conversion & sink); });
     if (failure_ != nullptr) {
@@ -405,7 +405,7 @@ void Batch::convertTo(Job &job, Output &output)
     }
 }
 
-void Batch::finish(Job &job)
+void Batch::finishJob(Job &job)
 {
     progress_.addDocument();
     if (!hasOwnFiles()) {

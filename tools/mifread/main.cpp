@@ -308,8 +308,10 @@ int mifread::runProgram(std::vector<std::string> arguments)
     ExitCode result = ExitCode::Success;
     try {
         result = run(std::move(arguments));
-    } catch (const Interrupted &) {
-        result = ExitCode::Io;           // the signal is what counts
+    } catch (const Interrupted &error) {
+        if (caughtSignal() != system::brokenPipeSignal()) {
+            Progress(false, 0, 0).complain(error.what());
+        }
     } catch (const OutputError &error) { // of help
         Progress(false, 0, 0).complain(error.what());
         result = ExitCode::Io;
