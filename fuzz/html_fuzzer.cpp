@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "check.h"
+#include "mifconvert/html_writer.h"
 #include "mifhost/charset.h"
 #include "mifhost/error.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
-#include "mifconvert/html_writer.h"
 
 namespace miffuzz
 {

@@ -3,10 +3,10 @@
 #include <string>
 
 #include "check.h"
+#include "mifconvert/token_listing.h"
 #include "mifhost/error.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
-#include "mifconvert/token_listing.h"
 
 namespace miffuzz
 {

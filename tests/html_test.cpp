@@ -103,7 +103,7 @@ TEST(Html, TextIsNeverMarkup)
               "font-size:10pt\">x</p>\n");
     const auto titleOf = [](const std::string &name) { return between(pageOf({}, name), "<title>", "</title>"); };
     EXPECT_EQ(titleOf("a b</title>\xC3\xA9.mif"), "a b&lt;/title&gt;\u00e9.mif");
-        EXPECT_EQ(titleOf("<b>\x01\xff\xc3"), "&lt;b&gt;\u2401\uFFFD\uFFFD");
+    EXPECT_EQ(titleOf("<b>\x01\xff\xc3"), "&lt;b&gt;\u2401\uFFFD\uFFFD");
     EXPECT_EQ(titleOf(""), "MIF");
 }
 

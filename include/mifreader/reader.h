@@ -153,9 +153,9 @@ MIF_API int32_t mifInitDoc(MifContext *context, void *unused, int32_t size, Host
  *                 nine tenths are used; the buffer must hold the largest single token, and 64 KB hold every one that an
  *                 ordinary document gives
  * Returns 0: take the tokens and call again unless percent is 100. Or 6: the document is not MIF (bytesWritten and
- * percent are then not stored), memory is exhausted, or a token is larger than the whole buffer. What was written before
- * the failure is whole. Both ends are final: every further call, with whatever buffer, gives 0 and 100 percent, or 6,
- * and 0 bytes.
+ * percent are then not stored), memory is exhausted, or a token is larger than the whole buffer. What was written
+ * before the failure is whole. Both ends are final: every further call, with whatever buffer, gives 0 and 100 percent,
+ * or 6, and 0 bytes.
  *
  * Memory that is refused for a record other than a statement or a waiting token (host.h, allocate) is no failure: the
  * document goes on without the record, and no result tells it.

@@ -18,7 +18,8 @@ void appendJsonText(std::string_view text, mifhost::Windows1252 &charset, std::s
 // An object keeps its members in the order in which they were added.
 using Json = nlohmann::ordered_json;
 
-// The value on one line, in ASCII: no character of it does anything to a terminal. Its strings may hold any bytes, as paths do: what is not UTF-8 in them becomes U+FFFD.
+// The value on one line, in ASCII: no character of it does anything to a terminal. Its strings may hold any bytes, as
+// paths do: what is not UTF-8 in them becomes U+FFFD.
 std::string dumpJson(const Json &value);
 
 } // namespace mifconvert
