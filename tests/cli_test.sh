@@ -55,6 +55,9 @@ run 1 'truncated.mif: byte [0-9]+: .*ends inside' text truncated.mif; says one o
 run 1 'long.mif: byte [0-9]+: .*4096' text long.mif; says two out
 run 1 'undefined.mif: .*Windows-1252' text undefined.mif
 run 5 'good.mif: .*buffer' text --buffer 37 good.mif
+for command in text html json info tokens 'objects -d none'; do
+    run 5 'good.mif: .*memory limit' $command --max-memory 12K good.mif
+done
 run 3 'No such file|cannot open' text --plugin ./missing.so good.mif
 run 1 'missing' text missing empty good.mif
 run 1 'missing' text missing good.mif

@@ -116,3 +116,25 @@ TEST(Interface, TearDown)
     EXPECT_NE(listing(conversion).find("font number=0"), std::string::npos);
     silent.close(context);
 }
+
+// Two documents that are converted by turns, on one thread, give what each gives alone.
+TEST(Interface, ContextsAreIndependent)
+{
+    const std::string documents[] = {readFile(std::string(MIFREADER_TEST_DOCUMENTS) + "/formats.mif"),
+                                     readFile(std::string(MIFREADER_TEST_DOCUMENTS) + "/layout.mif")};
+    TestHost first(documents[0], {.bufferSize = 500});
+    TestHost second(documents[1], {.bufferSize = 700});
+    MifContext *contexts[] = {first.open(), second.open()};
+    ASSERT_EQ(mifInitDoc(contexts[0], nullptr, 0, first.stream()), 0);
+    ASSERT_EQ(mifInitDoc(contexts[1], nullptr, 0, second.stream()), 0);
+    Conversion conversions[2];
+    while (conversions[0].percent < 100 || conversions[1].percent < 100) {
+        first.fill(contexts[0], conversions[0]);
+        second.fill(contexts[1], conversions[1]);
+        ASSERT_TRUE(conversions[0].result == 0 && conversions[1].result == 0);
+    }
+    EXPECT_TRUE(conversions[0].stream == convert(documents[0]).stream);
+    EXPECT_TRUE(conversions[1].stream == convert(documents[1]).stream);
+    first.close(contexts[0]);
+    second.close(contexts[1]);
+}

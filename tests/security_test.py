@@ -474,6 +474,13 @@ class Promises(unittest.TestCase):
                    for name in loader.getTestCaseNames(group)}
         self.assertEqual(named, present)
 
+    def test_the_tests_of_the_libraries_exist(self):
+        named = set(re.findall(r"`([A-Z]\w+\.[A-Z]\w+)`", (SOURCE / "SECURITY.md").read_text(encoding="utf-8")))
+        sources = "".join(path.read_text(encoding="utf-8") for path in (SOURCE / "tests").glob("*_test.cpp"))
+        present = {".".join(names) for names in re.findall(r"^TEST\((\w+), (\w+)\)", sources, re.MULTILINE)}
+        self.assertGreater(len(named), 5)
+        self.assertLessEqual(named, present)
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

@@ -3,7 +3,7 @@
  * host.h hold here too; tokens.h describes the stream itself.
  *
  * The order of calls for one document:
- *  1. mifGetReaderInterface, once after loading the library.
+ *  1. mifGetReaderInterface, once after loading the library: libmifreader.so.0, or mifreader.dll on Windows.
  *  2. mifAllocateContext.
  *  3. mifInitDoc.
  *  4. mifFillBuffer again and again, until it returns 6 or reports 100 percent.
@@ -76,7 +76,9 @@ enum { MIF_SEEK_START = 0, MIF_SEEK_CURRENT = 1, MIF_SEEK_END = 2 };
  * library is loaded.
  *
  * One object is open at a time in a context. Between opening an object and closing it the host must not call
- * mifFillBuffer for the same context; at any other moment between two calls of mifFillBuffer an object may be opened.
+ * mifFillBuffer for the same context: the document would go on where the object stands, and text would be missing
+ * without a sign. At any other moment between two calls of mifFillBuffer an object may be opened: by the text that its
+ * frame's token begins with, then read in blocks of 64 bytes or more until 0, and closed.
  */
 typedef struct MifFileAccess {
     intptr_t words0To2[3]; /* slots 0 to 2: 3, 5 and -1, constants that the host framework asks for */
