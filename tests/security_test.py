@@ -189,27 +189,27 @@ class Files(InFolder):
 
     @unittest.skipIf(os.geteuid() != 0, "only root can play another user")
     def test_what_another_user_planted_is_not_followed(self):
-        shared = self.folder / "shared"
-        shared.mkdir()
-        shared.chmod(0o1777)
+        common = self.folder / "common"
+        common.mkdir()
+        common.chmod(0o1777)
         kept = self.write("kept.txt", b"kept")
-        (shared / "link.txt").symlink_to(kept)
-        (shared / "dangling.txt").symlink_to(self.folder / "new.txt")
-        (shared / "folder").symlink_to(self.folder)
-        os.mkfifo(shared / "pipe.txt")
-        for path in shared.iterdir():
+        (common / "link.txt").symlink_to(kept)
+        (common / "dangling.txt").symlink_to(self.folder / "new.txt")
+        (common / "folder").symlink_to(self.folder)
+        os.mkfifo(common / "pipe.txt")
+        for path in common.iterdir():
             os.lchown(path, NOBODY, NOBODY)
-        (self.folder / "own.txt").symlink_to("shared/link.txt")
-        for name in "own.txt", "shared/link.txt", "shared/dangling.txt", "shared/pipe.txt", "shared/folder/kept.txt":
+        (self.folder / "own.txt").symlink_to("common/link.txt")
+        for name in "own.txt", "common/link.txt", "common/dangling.txt", "common/pipe.txt", "common/folder/kept.txt":
             _, errors = self.mifread("text", "a.mif", "-o", name, code=3, timeout=20)
             self.assertIn(b"of another user", errors)
         for name in "link", "dangling", "pipe", "folder/b":
             self.write(f"in/{name}.mif", HELLO)
-        self.mifread("text", "-r", "in", "-d", "shared", code=3, timeout=20)
-        self.mifread("text", "a.mif", "-d", "shared/folder", code=3, timeout=20)
+        self.mifread("text", "-r", "in", "-d", "common", code=3, timeout=20)
+        self.mifread("text", "a.mif", "-d", "common/folder", code=3, timeout=20)
         self.assertEqual(kept.read_bytes(), b"kept")
         self.assertEqual({path.name for path in self.folder.iterdir()},
-                         {"a.mif", "in", "kept.txt", "own.txt", "shared"})
+                         {"a.mif", "in", "kept.txt", "own.txt", "common"})
 
     def test_no_temporary_file_stays(self):
         self.write("long.mif", HELLO * 100000)
