@@ -309,6 +309,7 @@ class Costs(InFolder):
 
     def interrupt(self, *arguments, number=signal.SIGTERM, **options):
         """Starts the program, sends it a signal when it is at work, and expects its end."""
+        signal.signal(number, signal.SIG_DFL)  # a shell may have started this in the background, which ignores it
         options = {"stdout": subprocess.DEVNULL, "stderr": subprocess.PIPE} | options
         with subprocess.Popen([MIFREAD, *arguments], cwd=self.folder, **options) as program:
             time.sleep(1)
