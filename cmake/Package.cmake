@@ -8,13 +8,19 @@ foreach(file copyright stage.cmake)
   configure_file(cmake/debian/${file}.in ${debian}/${file} @ONLY)
 endforeach()
 
-# All symbols count as new with each version, as in the shlibs file.
-file(STRINGS src/mifreader.symbols symbols)
-list(TRANSFORM symbols REPLACE "(.+)" " \\1@MIFREADER_${PROJECT_VERSION_MAJOR} ${PROJECT_VERSION}")
-list(PREPEND symbols
+# All symbols count as new with each version, as in the shlibs file. The version script says which node each is of.
+file(STRINGS src/mifreader.map map REGEX "{$|^ +mif")
+set(symbols
   "libmifreader.so.${PROJECT_VERSION_MAJOR} libmifreader${PROJECT_VERSION_MAJOR} #MINVER#"
-  "* Build-Depends-Package: libmifreader-dev"
-  " MIFREADER_${PROJECT_VERSION_MAJOR}@MIFREADER_${PROJECT_VERSION_MAJOR} ${PROJECT_VERSION}")
+  "* Build-Depends-Package: libmifreader-dev")
+foreach(line ${map})
+  if(line MATCHES "^([^ ]+) {$")
+    set(node ${CMAKE_MATCH_1})
+    list(APPEND symbols " ${node}@${node} ${PROJECT_VERSION}")
+  elseif(line MATCHES "^ +(mif[A-Za-z]+)")
+    list(APPEND symbols " ${CMAKE_MATCH_1}@${node} ${PROJECT_VERSION}")
+  endif()
+endforeach()
 list(JOIN symbols "\n" symbols)
 file(WRITE ${debian}/symbols "${symbols}\n")
 

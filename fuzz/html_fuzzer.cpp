@@ -61,7 +61,7 @@ void writeTokens(Bytes bytes, Write write)
 std::string page(Bytes bytes, bool takesOften)
 {
     static const mifhost::FontRegistry fonts = someFonts();
-    mifhost::Windows1252 charset;
+    mifhost::TextConverter charset;
     std::string out;
     std::string taken;
     const auto take = [&] {

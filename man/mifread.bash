@@ -18,13 +18,17 @@ _mifread()
             _filedir so
             return
             ;;
+        --encoding)
+            COMPREPLY=($(compgen -W 'auto mif windows-1252 utf-8' -- "$cur"))
+            return
+            ;;
         -j | --jobs | --buffer | --max-memory | --max-output | --max-work | --max-input | --timeout)
             return
             ;;
     esac
     $split && return
 
-    local single='--help --output --max-memory --max-output --max-work --max-input --timeout --buffer --plugin'
+    local single='--help --output --max-memory --max-output --max-work --max-input --timeout --buffer --encoding --plugin'
     local many="$single --directory --files-from --null --recursive --jobs --fail-fast --dry-run --report --quiet"
     local batch="$many --update"
     local -A options=(
@@ -33,7 +37,7 @@ _mifread()
         [json]="$batch --objects"
         [objects]="$many --json"
         [info]="$batch --json"
-        [tokens]=$single
+        [tokens]="$single --extended"
     )
     local command=${words[1]}
     if ((cword == 1)); then

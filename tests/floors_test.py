@@ -12,7 +12,7 @@ FLOORS = ["records", "services", "families", "drive"]
 def floor_of(name):
     if name.startswith("reader/drive/"):
         return "drive"
-    if name in ("formats/style.h", "reader/list.h", "reader/index.h") or name.endswith("/records.h"):
+    if name in ("formats/style.h", "formats/extended_style.h", "reader/list.h", "reader/index.h") or name.endswith("/records.h"):
         return "records"
     return "services" if name.startswith("reader/") else "families"
 

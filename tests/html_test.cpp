@@ -45,7 +45,7 @@ std::string pageOf(const std::vector<Token> &tokens, const std::string &name = "
     announce(fonts, "Times", MIF_FONT_CLASS_ROMAN);
     announce(fonts, "HELVETICA", MIF_FONT_CLASS_SWISS);
     announce(fonts, "Caf\xe9 </style>\"';}\x01", MIF_FONT_CLASS_SCRIPT);
-    Windows1252 charset;
+    TextConverter charset;
     std::string page;
     mifconvert::HtmlWriter writer(
         name, fonts, charset, [&page](const Frame &frame) { page.append("[").append(frame.id).append("]"); }, page);

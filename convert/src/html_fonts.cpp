@@ -141,7 +141,7 @@ FontShape shapeOf(std::uint8_t familyClass)
     return familyClass == MIF_FONT_CLASS_SWISS ? FontShape::Sans : FontShape::Serif;
 }
 
-FontStyle styleOf(const mifhost::FontFace &face, mifhost::Windows1252 &charset)
+FontStyle styleOf(const mifhost::FontFace &face, mifhost::TextConverter &charset)
 {
     const std::string name = lowerCase(face.name);
     const auto *known =

@@ -84,7 +84,7 @@ bool isPlainInCss(char byte)
 
 } // namespace
 
-void appendHtmlText(std::string_view bytes, mifhost::Windows1252 &charset, std::string &out)
+void appendHtmlText(std::string_view bytes, mifhost::TextConverter &charset, std::string &out)
 {
     appendEscaped(bytes, out, [&charset, &out](std::string_view run) { charset.append(run, out); });
 }
@@ -96,7 +96,7 @@ void appendHtmlName(std::string_view name, std::string &out)
     appendEscaped(valid, out, [&out](std::string_view run) { out += run; });
 }
 
-void appendCssString(std::string_view bytes, mifhost::Windows1252 &charset, std::string &out)
+void appendCssString(std::string_view bytes, mifhost::TextConverter &charset, std::string &out)
 {
     out += '\'';
     for (const char &byte : bytes) {

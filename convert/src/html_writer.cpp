@@ -31,10 +31,10 @@ std::int64_t tableStart(const mifhost::TableRow &row, const mifhost::ParaFormat 
 
 } // namespace
 
-HtmlWriter::HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::Windows1252 &charset,
+HtmlWriter::HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset,
                        ShowFrame showFrame, std::string &out)
-    : title_(std::move(title)), charset_(charset), showFrame_(std::move(showFrame)), out_(out), fonts_(fonts),
-      table_(out), line_(out)
+    : title_(std::move(title)), charset_(charset), showFrame_(std::move(showFrame)), out_(out),
+      fonts_(fonts, charset.isUtf8()), table_(out), line_(out)
 {
 }
 

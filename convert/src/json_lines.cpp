@@ -19,7 +19,7 @@ namespace
 class Line
 {
 public:
-    Line(mifhost::Windows1252 &charset, std::string &out) : charset_(charset), out_(out) {}
+    Line(mifhost::TextConverter &charset, std::string &out) : charset_(charset), out_(out) {}
 
     void operator()(const mifhost::Text &text)
     {
@@ -98,8 +98,165 @@ public:
     {
         line(R"({{"type":"charset","number":{}}})", charset.number);
     }
+    void operator()(const mifhost::Paragraph &paragraph)
+    {
+        json({{"type", "paragraph"},
+              {"tag", paragraph.tag},
+              {"spaceAbove", paragraph.spaceAbove},
+              {"spaceBelow", paragraph.spaceBelow},
+              {"leading", paragraph.leading},
+              {"keepsWithNext", paragraph.keepsWithNext},
+              {"placement", nameOf(placementNames, paragraph.placement)},
+              {"outlineLevel", paragraph.outlineLevel},
+              {"cellAlignment", nameOf(cellAlignmentNames, paragraph.cellAlignment)},
+              {"language", paragraph.language}});
+    }
+    void operator()(const mifhost::Number &number)
+    {
+        json({{"type", "number"}, {"text", number.text}});
+    }
+    void operator()(const mifhost::ModeChange &change)
+    {
+        json({{"type", "mode"}, {"mode", nameOf(extendedModeNames, change.mode)}, {"on", change.on}});
+    }
+    void operator()(const mifhost::FontSize &size)
+    {
+        json({{"type", "font-size"}, {"twips", size.twips}});
+    }
+    void operator()(const mifhost::TabLeaders &leaders)
+    {
+        json({{"type", "tab-leaders"}, {"leaders", leaders.leaders}});
+    }
+    void operator()(const mifhost::NoteBegin &note)
+    {
+        json({{"type", "note-begin"}, {"id", note.id}});
+    }
+    void operator()(const mifhost::NoteEnd &)
+    {
+        json({{"type", "note-end"}});
+    }
+    void operator()(const mifhost::NoteReference &note)
+    {
+        json({{"type", "note-reference"}, {"id", note.id}});
+    }
+    void operator()(const mifhost::Marker &marker)
+    {
+        json({{"type", "marker"}, {"number", marker.type}, {"name", marker.typeName}, {"text", marker.text}});
+    }
+    void operator()(const mifhost::XRefBegin &reference)
+    {
+        json({{"type", "xref-begin"},
+              {"format", reference.format},
+              {"sourceText", reference.sourceText},
+              {"sourceFile", reference.sourceFile}});
+    }
+    void operator()(const mifhost::XRefEnd &)
+    {
+        json({{"type", "xref-end"}});
+    }
+    void operator()(const mifhost::TableOpen &table)
+    {
+        json({{"type", "table-open"},
+              {"id", table.id},
+              {"tag", table.tag},
+              {"alignment", alignmentNames[table.alignment]},
+              {"title", nameOf(titlePlaceNames, table.titlePlace)},
+              {"indent", table.leftIndent},
+              {"widths", table.columnWidths},
+              {"rulings", rulingsJson(table.rulings)},
+              {"bodyFill", fillJson(table.bodyFill)},
+              {"headingFill", fillJson(table.headingFill)}});
+    }
+    void operator()(const mifhost::TitleBegin &)
+    {
+        json({{"type", "title-begin"}});
+    }
+    void operator()(const mifhost::TitleEnd &)
+    {
+        json({{"type", "title-end"}});
+    }
+    void operator()(const mifhost::Row &row)
+    {
+        json({{"type", "row"}, {"kind", nameOf(rowKindNames, row.kind)}});
+    }
+    void operator()(const mifhost::Cell &cell)
+    {
+        json({{"type", "cell"},
+              {"columns", cell.columns},
+              {"rows", cell.rows},
+              {"states", cell.states},
+              {"fill", fillJson(cell.fill)},
+              {"rulings", rulingsJson(cell.rulings)},
+              {"angle", cell.angle}});
+    }
+    void operator()(const mifhost::TableClose &)
+    {
+        json({{"type", "table-close"}});
+    }
+    void operator()(const mifhost::Anchor &anchor)
+    {
+        json({{"type", "anchor"},
+              {"id", anchor.id},
+              {"left", anchor.left},
+              {"top", anchor.top},
+              {"width", anchor.width},
+              {"height", anchor.height},
+              {"place", nameOf(framePlaceNames, anchor.place)},
+              {"alignment", nameOf(anchorAlignmentNames, anchor.alignment)},
+              {"drawing", anchor.hasDrawing},
+              {"path", anchor.path}});
+    }
+    void operator()(const mifhost::BoxBegin &box)
+    {
+        json({{"type", "box-begin"}, {"frame", box.frameId}});
+    }
+    void operator()(const mifhost::BoxEnd &)
+    {
+        json({{"type", "box-end"}});
+    }
+    void operator()(const mifhost::DocumentField &field)
+    {
+        json({{"type", "document-field"}, {"field", nameOf(documentFieldNames, field.kind)}, {"value", field.value}});
+    }
+    void operator()(const mifhost::PageSize &size)
+    {
+        json({{"type", "page-size"}, {"width", size.width}, {"height", size.height}});
+    }
+    void operator()(const mifhost::Loss &loss)
+    {
+        json({{"type", "loss"}, {"kind", nameOf(lossKindNames, loss.kind)}, {"position", loss.position}});
+    }
+    void operator()(const mifhost::LossTotal &total)
+    {
+        json({{"type", "loss-total"},
+              {"kind", nameOf(lossKindNames, total.kind)},
+              {"count", total.count},
+              {"first", total.first}});
+    }
 
 private:
+    static Json fillJson(const mifhost::Fill &fill)
+    {
+        return {{"pattern", fill.pattern}, {"color", fill.color}};
+    }
+    static Json rulingsJson(std::span<const mifhost::Ruling> rulings)
+    {
+        Json list = Json::object();
+        for (std::size_t edge = 0; edge < rulings.size(); ++edge) {
+            if (rulings[edge].lines > 0) {
+                list[std::string(tableEdgeNames[edge])] = {
+                    {"lines", rulings[edge].lines}, {"width", rulings[edge].width}, {"color", rulings[edge].color}};
+            }
+        }
+        return list;
+    }
+
+    // Texts of the extended stream are UTF-8 already.
+    void json(const Json &value)
+    {
+        out_ += value.dump() + '\n';
+    }
+
     template <typename... Fields>
     void line(fmt::format_string<Fields...> format, Fields &&...fields)
     {
@@ -107,7 +264,7 @@ private:
         out_ += '\n';
     }
 
-    mifhost::Windows1252 &charset_;
+    mifhost::TextConverter &charset_;
     std::string &out_;
 };
 

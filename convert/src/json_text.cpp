@@ -5,7 +5,7 @@
 namespace mifconvert
 {
 
-void appendJsonText(std::string_view text, mifhost::Windows1252 &charset, std::string &out)
+void appendJsonText(std::string_view text, mifhost::TextConverter &charset, std::string &out)
 {
     std::string converted;
     charset.append(text, converted);

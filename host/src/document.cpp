@@ -54,6 +54,9 @@ Document::Document(const Plugin &plugin, Stream &stream, const DocumentOptions &
         throw PluginError(stream_.name(), std::nullopt, "the plug-in makes no context");
     }
 
+    isExtended_ =
+        options.isExtended && plugin.extension().extendStream != nullptr &&
+        plugin.extension().extendStream(context_.get(), MIF_EXTENDED_VERSION, options.encoding) == MIF_SUCCESS;
     stream_.seek(0);
     stream_.forgetPendingError();
     const std::int32_t result =

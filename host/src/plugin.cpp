@@ -26,6 +26,12 @@ void requireEntries(const std::string &path, const MifReaderInterface &entries)
 }
 
 template <typename Function>
+Function findEntry(void *library, const char *name)
+{
+    return reinterpret_cast<Function>(system::findFunction(library, name));
+}
+
+template <typename Function>
 void takeOwn(void *library, const char *name, Function linked, Function &entry)
 {
     void *own = entry == linked ? system::findFunction(library, name) : nullptr;
@@ -54,8 +60,8 @@ void Plugin::Unload::operator()(void *library) const noexcept
     system::unloadLibrary(library);
 }
 
-Plugin::Plugin(Library library, const MifReaderInterface &entries) noexcept
-    : library_(std::move(library)), entries_(entries)
+Plugin::Plugin(Library library, const MifReaderInterface &entries, const Extension &extension) noexcept
+    : library_(std::move(library)), entries_(entries), extension_(extension)
 {
 }
 
@@ -63,7 +69,7 @@ Plugin Plugin::linked()
 {
     MifReaderInterface entries{};
     mifGetReaderInterface(&entries);
-    return {nullptr, entries};
+    return {nullptr, entries, {mifExtendStream, mifGetFailure}};
 }
 
 Plugin Plugin::load(const std::string &path)
@@ -81,7 +87,9 @@ Plugin Plugin::load(const std::string &path)
     reinterpret_cast<decltype(&mifGetReaderInterface)>(entry)(&entries);
     requireEntries(path, entries);
     takeOwnEntries(library.get(), entries);
-    return {std::move(library), entries};
+    const Extension extension = {findEntry<decltype(&mifExtendStream)>(library.get(), "mifExtendStream"),
+                                 findEntry<decltype(&mifGetFailure)>(library.get(), "mifGetFailure")};
+    return {std::move(library), entries, extension};
 }
 
 } // namespace mifhost

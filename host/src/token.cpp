@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "mifhost/error.h"
+#include "payload.h"
 
 namespace mifhost
 {
@@ -15,22 +16,7 @@ namespace mifhost
 namespace
 {
 
-// The payloads' constant parts, in bytes.
-constexpr std::size_t countSize = 4;
-constexpr std::size_t tabStopSize = 5;
-constexpr std::size_t tableRowConstants = 16; // four numbers after the widths
-constexpr std::size_t tableRowTail = tableRowConstants + 4 + 1;
-constexpr std::size_t frameMarkOffset = std::size_t{18} * 4; // eighteen numbers
-constexpr std::size_t frameTail = frameMarkOffset + 5;       // the mark and four zero bytes
-constexpr std::uint8_t frameMark = 255;
-
-// A character mode is one bit, in the order of Mode, and a flag that means on or off.
-constexpr std::uint32_t modeBits = 0xFF;
-constexpr std::uint32_t modeFlag = 0x8000;
-static_assert((MIF_MODE_BOLD_ON ^ MIF_MODE_BOLD_OFF) == modeFlag &&
-              MIF_MODE_SMALL_CAPS_ON == 1 << int(Mode::SmallCaps));
-
-constexpr std::uint8_t lastCode = TOKEN_CHARSET;
+constexpr std::uint8_t lastCode = TOKEN_LOSS_TOTAL;
 
 // The whole length of each token by its code: the exact one where it is constant and the smallest one otherwise; 0 for
 // codes that do not exist.
@@ -55,113 +41,34 @@ constexpr std::array<LengthRule, lastCode + 1> lengthRules = [] {
     rules[TOKEN_TEXT_COLOR] = {10, true};
     rules[TOKEN_FRAME] = {83, false};
     rules[TOKEN_CHARSET] = {9, true};
+    rules[TOKEN_PARAGRAPH] = {29, false};
+    rules[TOKEN_NUMBER] = {9, false};
+    rules[TOKEN_MODE] = {7, true};
+    rules[TOKEN_FONT_SIZE] = {9, true};
+    rules[TOKEN_TAB_LEADERS] = {9, false};
+    rules[TOKEN_NOTE_BEGIN] = {9, true};
+    rules[TOKEN_NOTE_END] = {5, true};
+    rules[TOKEN_NOTE_REFERENCE] = {9, true};
+    rules[TOKEN_MARKER] = {17, false};
+    rules[TOKEN_XREF_BEGIN] = {17, false};
+    rules[TOKEN_XREF_END] = {5, true};
+    rules[TOKEN_TABLE_OPEN] = {105, false};
+    rules[TOKEN_TITLE_BEGIN] = {5, true};
+    rules[TOKEN_TITLE_END] = {5, true};
+    rules[TOKEN_ROW] = {6, true};
+    rules[TOKEN_CELL] = {59, true};
+    rules[TOKEN_TABLE_CLOSE] = {5, true};
+    rules[TOKEN_ANCHOR] = {32, false};
+    rules[TOKEN_BOX_BEGIN] = {9, true};
+    rules[TOKEN_BOX_END] = {5, true};
+    rules[TOKEN_DOCUMENT] = {10, false};
+    rules[TOKEN_PAGE_SIZE] = {13, true};
+    rules[TOKEN_LOSS] = {10, true};
+    rules[TOKEN_LOSS_TOTAL] = {14, true};
     return rules;
 }();
 
-std::uint32_t loadU32(const std::uint8_t *bytes)
-{
-    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
-           static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
-}
-
 } // namespace
-
-// Reads the fields of one token's payload, one after the other. That they lie within it follows from the checks of the
-// token's length and of its counts.
-class TokenDecoder::Payload
-{
-public:
-    Payload(const TokenDecoder &decoder, std::size_t length)
-        : decoder_(decoder), bytes_(decoder.bytes_.subspan(MIF_TOKEN_HEADER_SIZE, length - MIF_TOKEN_HEADER_SIZE)),
-          position_(decoder.position_ + MIF_TOKEN_HEADER_SIZE)
-    {
-    }
-
-    std::size_t left() const
-    {
-        return bytes_.size();
-    }
-
-    std::span<const std::uint8_t> take(std::size_t size)
-    {
-        const auto taken = bytes_.first(size);
-        bytes_ = bytes_.subspan(size);
-        position_ += size;
-        return taken;
-    }
-
-    std::uint8_t u8()
-    {
-        return take(1).front();
-    }
-
-    std::uint32_t u32()
-    {
-        return loadU32(take(4).data());
-    }
-
-    std::int32_t i32()
-    {
-        return static_cast<std::int32_t>(u32());
-    }
-
-    // A count of elements that must fill the rest of the payload but for tailSize bytes.
-    std::size_t count(std::size_t elementSize, std::size_t tailSize)
-    {
-        const std::uint64_t start = position_;
-        const std::uint32_t number = u32();
-        if (left() != std::uint64_t{number} * elementSize + tailSize) {
-            decoder_.fail(start, "a count of " + std::to_string(number) + " does not agree with the token's length");
-        }
-        return number;
-    }
-
-    // A byte that must not be above maximum, as a value of an enumeration that begins at 0.
-    template <typename Enum>
-    Enum enumerated(Enum maximum, const char *what)
-    {
-        const std::uint64_t start = position_;
-        const std::uint8_t value = u8();
-        if (value > static_cast<std::uint8_t>(maximum)) {
-            decoder_.fail(start, std::string("there is no ") + what + " " + std::to_string(value));
-        }
-        return static_cast<Enum>(value);
-    }
-
-    Attribute attribute()
-    {
-        const std::uint64_t start = position_;
-        const std::uint32_t value = u32();
-        const std::uint32_t modeBit = value & modeBits;
-        if ((value & ~(modeBits | modeFlag)) != 0 || !std::has_single_bit(modeBit)) {
-            decoder_.fail(start, "there is no character mode " + std::to_string(value));
-        }
-        const auto mode = static_cast<Mode>(std::countr_zero(modeBit));
-        const bool flagTurnsOn = mode < Mode::SmallCaps;
-        return {mode, ((value & modeFlag) != 0) == flagTurnsOn};
-    }
-
-    Frame frame()
-    {
-        const std::uint64_t start = position_;
-        const auto id = take(left() - frameTail - 1);
-        const bool idIsWhole = std::none_of(id.begin(), id.end(), [](std::uint8_t byte) { return byte == 0; });
-        if (u8() != 0 || !idIsWhole) {
-            decoder_.fail(start, "the identifier of a frame does not agree with the token's length");
-        }
-        if (bytes_[frameMarkOffset] != frameMark) {
-            decoder_.fail(position_ + frameMarkOffset, "the closing mark of a frame is missing");
-        }
-        const std::uint32_t width = u32();
-        const std::uint32_t height = u32();
-        return {{reinterpret_cast<const char *>(id.data()), id.size()}, width, height, u32()};
-    }
-
-private:
-    const TokenDecoder &decoder_;
-    std::span<const std::uint8_t> bytes_; // what is left of the payload
-    std::uint64_t position_;              // of bytes_ in the stream
-};
 
 TokenDecoder::TokenDecoder(std::string name) : name_(std::move(name)) {}
 
@@ -184,6 +91,9 @@ const Token *TokenDecoder::next()
     const std::uint32_t length = checkedLength();
     Payload payload(*this, length);
     token_ = decodeToken(payload);
+    if (bytes_.front() >= TOKEN_PARAGRAPH) { // the plain ones end with bytes that say nothing
+        payload.requireEnd();
+    }
     bytes_ = bytes_.subspan(length);
     position_ += length;
     return &token_;
@@ -249,8 +159,10 @@ Token TokenDecoder::decodeToken(Payload &payload)
         return TextColor{payload.u8(), payload.u8(), payload.u8()};
     case TOKEN_FRAME:
         return payload.frame();
-    default: // checkedLength lets nothing else through
+    case TOKEN_CHARSET:
         return Charset{payload.u32()};
+    default: // checkedLength lets nothing else through
+        return decodeExtended(payload);
     }
 }
 
@@ -260,7 +172,7 @@ Token TokenDecoder::decodeTabStops(Payload &payload)
     tabStops_.clear();
     tabStops_.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
-        tabStops_.push_back({payload.enumerated(TabKind::Center, "kind of tab stop"), payload.i32()});
+        tabStops_.push_back({payload.enumerated(TabKind::Decimal, "kind of tab stop"), payload.i32()});
     }
     return TabStops{tabStops_};
 }

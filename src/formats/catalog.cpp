@@ -17,7 +17,7 @@ char *copyStatementName(MifContext *context)
 }
 
 // Null when memory is exhausted.
-MifStoredStatement *makeStatement(MifContext *context, const char *value)
+MifStoredStatement *makeStatement(MifContext *context, const char *value, const MifProperty *property)
 {
     auto *statement = mifAllocateZeroed<MifStoredStatement>(context);
     if (statement == nullptr) {
@@ -29,7 +29,7 @@ MifStoredStatement *makeStatement(MifContext *context, const char *value)
         mifFreePgfSubStatement(context, statement);
         return nullptr;
     }
-    statement->property = context->scanner.row->stored;
+    statement->property = property;
     statement->number = statement->property != nullptr ? statement->property->read(statement->value) : 0;
     return statement;
 }
@@ -50,7 +50,7 @@ MifFormatEntry *mifCreateFormat(MifContext *context, MifFormatCatalog &catalog, 
         return catalog.nameless;
     }
     auto *entry = mifAllocateZeroed<MifFormatEntry>(context);
-    MifStoredStatement *statement = entry != nullptr ? makeStatement(context, tag) : nullptr;
+    MifStoredStatement *statement = entry != nullptr ? makeStatement(context, tag, nullptr) : nullptr;
     if (statement == nullptr) {
         mifRelease(context, entry);
         return nullptr;
@@ -75,12 +75,17 @@ int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog)
         return 0;
     }
     mifConvertString(context, value);
-    MifStoredStatement *statement = makeStatement(context, value);
+    return mifAppendStatement(context, *entry, value, context->scanner.row->stored);
+}
+
+int mifAppendStatement(MifContext *context, MifFormatEntry &entry, const char *value, const MifProperty *property)
+{
+    MifStoredStatement *statement = makeStatement(context, value, property);
     if (statement == nullptr) {
         return 0;
     }
-    entry->statements.append(statement);
-    ++entry->statementCount;
+    entry.statements.append(statement);
+    ++entry.statementCount;
     return 1;
 }
 

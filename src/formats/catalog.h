@@ -22,6 +22,10 @@ inline bool mifIsDefining(const MifContext *context, const MifFormatCatalog &cat
 // entry has mostStoredStatements already, or when memory is exhausted.
 int mifStoreStatement(MifContext *context, MifFormatCatalog &catalog);
 
+// Appends a statement of the entry's definition, whose selecting sets the property; null for nothing. Returns 1, or 0
+// when memory is exhausted.
+int mifAppendStatement(MifContext *context, MifFormatEntry &entry, const char *value, const MifProperty *property);
+
 // Release a stored statement, an entry with its statements, and all entries of a catalog.
 void mifFreePgfSubStatement(MifContext *context, MifStoredStatement *statement);
 void mifFreeParagraph(MifContext *context, MifFormatEntry *entry);

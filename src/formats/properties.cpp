@@ -166,10 +166,7 @@ MifChange setAlignment(MifContext *context, MifPropertyValue value)
 
 int32_t readLeading(const char *text)
 {
-    const int32_t leading = mifParseTwips(text);
-    return leading >= doubleLeading       ? MIF_SPACING_DOUBLE
-           : leading >= oneAndHalfLeading ? MIF_SPACING_ONE_AND_HALF
-                                          : MIF_SPACING_SINGLE;
+    return mifSpacingOf(mifParseTwips(text));
 }
 
 MifChange setLeading(MifContext *context, MifPropertyValue value)
@@ -302,6 +299,18 @@ MifChange setFamily(MifContext *context, MifPropertyValue value, bool announced)
     return changeIf(!equal(family, formats.appliedStyle.fontFamily));
 }
 
+// The host's number of the family, less 1; 0 when it gives none.
+int32_t announce(MifContext *context, const char *family, int32_t familyClass)
+{
+    MifFontRecord record = {};
+    record.familyClass = static_cast<uint8_t>(familyClass);
+    memcpy(record.faceName, family, strnlen(family, sizeof(record.faceName) - 1));
+    const MifHostState &host = context->host;
+    const uint32_t number =
+        host.notifyCallback != nullptr ? host.notifyCallback(host.notifyCookie, HOST_NOTIFY_FONT, &record) : 0;
+    return number != 0 ? static_cast<int32_t>(number - 1) : 0;
+}
+
 bool isAnnounced(const MifContext *context)
 {
     const MifFormatState &formats = context->formats;
@@ -344,6 +353,13 @@ const MifProperty mifTabCount = {mifParseInteger, setTabCount};
 const MifProperty mifTabPosition = {mifParseTwips, setTabPosition};
 const MifProperty mifTabKind = {readTabKind, setTabKind};
 
+uint8_t mifSpacingOf(int32_t leading)
+{
+    return leading >= doubleLeading       ? MIF_SPACING_DOUBLE
+           : leading >= oneAndHalfLeading ? MIF_SPACING_ONE_AND_HALF
+                                          : MIF_SPACING_SINGLE;
+}
+
 void mifSetWeight(MifContext *context, const char *weight)
 {
     switchMode(context, MODE_BOLD, isBold(weight) != 0);
@@ -368,13 +384,19 @@ int mifSetDirectly(MifContext *context)
 void mifRegisterFont(MifContext *context, int32_t familyClass)
 {
     MifParagraphStyle &style = context->formats.currentStyle;
-    MifFontRecord record = {};
-    record.familyClass = static_cast<uint8_t>(familyClass);
-    memcpy(record.faceName, style.fontFamily, strnlen(style.fontFamily, sizeof(record.faceName) - 1));
-    const MifHostState &host = context->host;
-    const uint32_t number =
-        host.notifyCallback != nullptr ? host.notifyCallback(host.notifyCookie, HOST_NOTIFY_FONT, &record) : 0;
-    style.hostFontNumber = number != 0 ? static_cast<int32_t>(number - 1) : 0;
+    style.hostFontNumber = announce(context, style.fontFamily, familyClass);
+}
+
+int32_t mifAnnounceFamily(MifContext *context, const char *family)
+{
+    char name[sizeof(MifFontRecord::faceName)];
+    size_t length = strnlen(family, sizeof(name) - 1);
+    while ((static_cast<unsigned char>(family[length]) & 0xC0) == 0x80) { // whole characters
+        --length;
+    }
+    memcpy(name, family, length);
+    name[length] = '\0';
+    return announce(context, name, readFamilyClass(family));
 }
 
 int32_t mifScaleFontSize(int32_t size, int32_t numerator, int32_t denominator)

@@ -52,11 +52,17 @@ extern const MifProperty mifTabCount;
 extern const MifProperty mifTabPosition;
 extern const MifProperty mifTabKind;
 
+// The class of that leading in twips, a MIF_SPACING value.
+uint8_t mifSpacingOf(int32_t leading);
+
 // Switches bold on or off, as the weight of that name is.
 void mifSetWeight(MifContext *context, const char *weight);
 
 // Announces fontFamily, which is of that class, to the host and takes over the number that the host gives it.
 void mifRegisterFont(MifContext *context, int32_t familyClass);
+
+// Announces a family to the host. Returns the host's number less 1, 0 when it gives none.
+int32_t mifAnnounceFamily(MifContext *context, const char *family);
 
 // A font size scaled by numerator / denominator, saturated.
 int32_t mifScaleFontSize(int32_t size, int32_t numerator, int32_t denominator);

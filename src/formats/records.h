@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "formats/extended_style.h"
 #include "formats/style.h"
 #include "mifreader/reader.h"
 #include "reader/index.h"
@@ -46,6 +47,11 @@ inline constexpr uint32_t mostStoredStatements = 4096;
 struct MifFormatEntry : MifIndexNode {
     MifList<MifStoredStatement> statements;
     uint32_t statementCount;
+    // In the extended stream, of a paragraph format: what the plain stream would take for its tables.
+    uint32_t statesLeftIndent;
+    uint32_t statesRightIndent;
+    int32_t leftIndent;
+    int32_t rightIndent;
     MifFormatEntry *next;
 };
 
@@ -55,6 +61,36 @@ struct MifFormatCatalog {
     MifFormatEntry *defining; // the entry made last, which receives the statements while pending
     MifFormatEntry *nameless; // no tag selects it, so that one is enough; null for none
     uint32_t pending;         // an entry has been made and its definition is being stored
+};
+
+// What a color of the catalog is made of, in percent of full ink.
+struct MifInks {
+    double cyan;
+    double magenta;
+    double yellow;
+    double black;
+};
+
+inline constexpr uint32_t languageCount = 20;
+
+// Formats in the extended stream. Owned by the sources of this folder; told and wanted differ only where text/ has not
+// written yet.
+struct MifExtendedFormatState {
+    MifExtendedStyle wanted; // what the document asks for
+    MifExtendedStyle told;   // what the output was told last; written by text/apply_extended alone
+    uint32_t toldColor;      // 0x00BBGGRR; likewise
+    MifCharacters *target;   // which of wanted's characters a property sets
+    MifTabStop openStop;     // of the TabStop that is open
+    uint32_t inTabStop;      // a position of it has come
+    MifList<MifColor> colors;
+    MifIndex colorNames;
+    char *colorTag; // of the Color that is open; owned
+    MifInks inks;
+    MifList<MifFontFamily> families;
+    MifIndex familyNames;
+    uint32_t paragraphsOf[languageCount]; // by language
+    int32_t plainLeftIndent;              // what the plain stream's paragraph format has, which places its tables
+    int32_t plainRightIndent;
 };
 
 // A number text that waits for the next text of its paragraph, as it was written in the file.
@@ -78,6 +114,7 @@ struct MifFormatState {
     MifWaitingNumber *strayNumber;  // the one outside of all paragraphs; it waits for whatever text comes next
     MifParagraphStyle currentStyle; // what the document asks for; text/apply_format gives sizes back there
     MifParagraphStyle appliedStyle; // what the output was last told; written by text/apply_format alone
+    MifExtendedFormatState extended;
 };
 
 #endif

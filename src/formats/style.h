@@ -13,7 +13,12 @@ enum : uint32_t {
     MODE_SUPERSCRIPT = 0x10,
     MODE_SUBSCRIPT = 0x20,
     MODE_SMALL_CAPS = 0x40,
-    MODE_UPPER_CASE = 0x80
+    MODE_UPPER_CASE = 0x80,
+    // Of the extended stream alone. Of the underlines one at most is on, and of the three cases.
+    MODE_OVERLINE = 0x100,
+    MODE_DOUBLE_UNDERLINE = 0x200,
+    MODE_NUMERIC_UNDERLINE = 0x400,
+    MODE_LOWER_CASE = 0x800
 };
 
 // Indents, spaces and tab positions are twips.

@@ -76,26 +76,44 @@ Chunk readChunk(MifContext *context, int32_t position, int32_t count)
     return {text, length};
 }
 
+// Passes the `&` of a line, or in the extended stream the whole of a marker. A line that is not there far enough to
+// tell ends the chunk.
+template <bool isExtended>
+const char *passLineStart(const char *position, const char *end)
+{
+    if constexpr (isExtended) {
+        constexpr ptrdiff_t markerSize = 3;
+        if (end - position <= markerSize) {
+            return end;
+        }
+        if (mifNewLine(position[markerSize]) && mifIsMarkerLine({position, markerSize})) {
+            return position + markerSize;
+        }
+    }
+    return position + 1;
+}
+
 // Decodes up to count bytes into destination, or only counts them when that is null, moving the cursor along. Returns
 // their number.
+template <bool isExtended>
 int32_t decodeChunk(const Chunk &chunk, MifDataCursor &cursor, uint8_t *destination, int32_t count)
 {
     const char *position = chunk.text;
     const char *end = chunk.text + chunk.length;
     int32_t produced = 0;
     while (position < end && produced < count && cursor.ended == 0) {
-        if (*position == '=') {
+        if (*position == '=' && (!isExtended || cursor.atLineStart != 0)) {
             cursor.ended = 1;
             ++position;
             break;
         }
         if (*position == '&' && cursor.atLineStart != 0) {
-            ++position;
+            position = passLineStart<isExtended>(position, end);
         }
         cursor.atLineStart = 0;
         uint8_t byte = 0;
-        while (produced < count && mifInDataLine(position, end)) {
-            if (!mifDecodeData(position, end, cursor.hexMode, byte)) {
+        while (produced < count && mifInDataLine<isExtended>(position, end)) {
+            if (!mifDecodeData<isExtended>(position, end, cursor.hexMode, byte)) {
                 continue;
             }
             if (destination != nullptr) {
@@ -129,7 +147,9 @@ int32_t decode(MifContext *context, uint8_t *destination, int32_t count)
         memset(destination, 0, static_cast<size_t>(count));
     }
     file.rawPosition = file.readCursor;
-    int32_t produced = decodeChunk(chunk, file.rawPosition, destination, count);
+    int32_t produced = context->extension.version != 0
+                           ? decodeChunk<true>(chunk, file.rawPosition, destination, count)
+                           : decodeChunk<false>(chunk, file.rawPosition, destination, count);
     if (produced == count) {
         file.readCursor = file.rawPosition;
     } else if (static_cast<size_t>(file.rawPosition.position - start) == chunk.length) {

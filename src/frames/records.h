@@ -33,6 +33,21 @@ struct MifFrameRecord : MifIndexNode {
     MifFrameRecord *next;
 };
 
+// An outermost frame in the extended stream. Measures are twips.
+struct MifPlacedFrame : MifIndexNode {
+    int32_t id;
+    uint32_t hasId;
+    uint32_t hasShape; // ShapeRect has come, which counts more than BRect
+    int32_t left;
+    int32_t top;
+    int32_t width;
+    int32_t height;
+    uint8_t place;     // a MIF_FRAME value
+    uint8_t alignment; // a MIF_ANCHOR value
+    char *path;        // of a picture in a file, owned; null for none
+    MifPlacedFrame *next;
+};
+
 // A place in an object's data lines.
 struct MifDataCursor {
     int32_t position;     // in the stream
@@ -63,6 +78,15 @@ struct MifFrameState {
     MifFrameRecord unframed;      // stands in for currentFrame where no anchor finds it: for an object without a
                                   // frame, and for a frame whose ID was there before
     MifObjectFile file;
+
+    // Of the extended stream, owned by extended_frames.cpp and, from isPlainObject on, by extended_objects.cpp.
+    MifList<MifPlacedFrame> placedFrames;
+    MifIndex placedIDs;
+    MifPlacedFrame placing;  // the one that is open
+    uint32_t frameDepth;     // of the frames that are open, anchored or not
+    uint32_t inTextLine;     // follows its statement
+    uint32_t isPlainObject;  // the open object's end mark has come
+    uint32_t isSecondObject; // the open object has no identifier of its own; 2 when that is told
 };
 
 #endif

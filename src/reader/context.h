@@ -20,9 +20,14 @@ struct MifContext {
     MifScannerState scanner;
     MifReplayState replay;
     MifUnitState units;
+    MifExtensionState extension;
     MifDispatchState dispatch;
     MifPageState pages;
     MifTextState text;
+    MifFlowState flow;
+    MifConditionState conditions;
+    MifMarkerState markers;
+    MifDocumentState document;
     MifVariableState variables;
     MifFormatState formats;
     MifTableState tables;

@@ -13,13 +13,17 @@
 inline void *mifAllocateBytes(MifContext *context, size_t size)
 {
     HostServices *services = context->host.services;
-    return services->allocate(&services->memoryHandleArea, size);
+    void *block = services->allocate(&services->memoryHandleArea, size);
+    context->extension.refusals += block == nullptr ? 1 : 0;
+    return block;
 }
 
 inline void *mifAllocateZeroedBytes(MifContext *context, size_t size)
 {
     HostServices *services = context->host.services;
-    return services->allocateZeroed(&services->memoryHandleArea, 1, size);
+    void *block = services->allocateZeroed(&services->memoryHandleArea, 1, size);
+    context->extension.refusals += block == nullptr ? 1 : 0;
+    return block;
 }
 
 // One cleared record.

@@ -4,12 +4,16 @@
 
 #include <cstdint>
 
-#include "mifreader/reader.h"
+#include "mifreader/extended.h"
 #include "reader/list.h"
 
 // A handler runs when its statement's closing `>` is met. It returns nonzero for success and 0 for failure; the scan
 // goes on either way.
 using MifStatementHandler = int (*)(MifContext *context);
+
+// Runs when a statement's start tag is complete: what follows its name is in the buffer up to the end of its value or
+// to the first thing nested in it. The extended stream alone has such statements.
+using MifStatementBeginning = void (*)(MifContext *context);
 
 // The flag that a statement raises at its start tag and lowers at its end. It is no counter.
 using MifInsideFlag = uint32_t &(*)(MifContext &context);
@@ -21,6 +25,12 @@ enum : uint32_t {
     TRAIT_TABLE = 4,      // where it begins is noted, for its replays
     TRAIT_OBJECT = 8,     // its content is scanned raw, but not on pages
     TRAIT_CONTAINER = 16, // in a paragraph format's definition the statements inside are stored, itself not
+    // Of rows of the extended stream alone.
+    TRAIT_BEGINNING = 32, // its beginning runs
+    TRAIT_BARE = 64,      // its handler runs for `<Name>` too, which opens no statement and has no value
+    TRAIT_FRAME = 128,    // an ID in it is a frame's
+    TRAIT_NOTE = 256,     // an ID in it is a note's
+    TRAIT_TEXT_RECT = 512 // an ID in it is a text rectangle's
 };
 
 struct MifProperty;
@@ -33,6 +43,7 @@ struct MifStatementEntry {
     const MifProperty *direct; // the property that the statement sets in the text; null for none
     const MifProperty *stored; // the one that it sets when a format it was stored in is selected
     uint32_t traits;
+    MifStatementBeginning beginning; // with TRAIT_BEGINNING; else null
 };
 
 struct MifHostState {
@@ -70,6 +81,7 @@ struct MifOutputState {
     uint32_t outputFull;   // the last fill call stopped at the limit, in the middle of a stretch
     uint32_t ended;        // a fill call has reported 100 percent
     uint32_t failed;       // a fill call has returned 6, or will: the document is refused, or its stream has a gap
+    MifFailure failure;    // why
     MifList<MifQueuedToken> queue;
 };
 
@@ -110,6 +122,11 @@ struct MifStatement {
     MifStatement *enclosing; // null at top level
 };
 
+// The same in the extended stream, which tells where it began.
+struct MifLocatedStatement : MifStatement {
+    int32_t position; // of its `<` in the document
+};
+
 struct MifScannerState {
     char *nameStart; // the name of the most recent start tag, in the source buffer
     char *nameEnd;
@@ -134,6 +151,29 @@ struct MifReplayState {
 
 struct MifUnitState {
     int32_t documentUnit; // twips per unit of the Units statement; no conversion reads it
+};
+
+inline constexpr uint32_t lossKinds = MIF_LOSS_OBJECT + 1;
+
+// Losses of one kind.
+struct MifLossCount {
+    uint32_t count;
+    int32_t first; // byte of the document
+};
+
+enum : uint32_t { FOUND_OWN = 1, FOUND_UTF_8 = 2 };
+
+// What the host asked for beyond the plain stream, and what of the document was lost. Written by losses.h, the entry
+// points and, `encoding` with the header, by text/.
+struct MifExtensionState {
+    uint32_t version;        // of the extended stream; 0 for the plain one
+    uint32_t encoding;       // a MIF_ENCODING value
+    uint32_t encodingsFound; // of the strings with bytes above 0x7F, FOUND_OWN and FOUND_UTF_8; written by text/
+    uint32_t initialized;    // mifInitDoc was called
+    uint32_t ended;          // the tokens of the document's end are written
+    uint32_t refusals;       // allocations refused and not yet told as losses
+    uint32_t lossesTold;
+    MifLossCount losses[lossKinds];
 };
 
 // One row of the statement table in a hash chain.

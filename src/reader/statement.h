@@ -2,13 +2,18 @@
 #ifndef MIFREADER_SRC_READER_STATEMENT_H
 #define MIFREADER_SRC_READER_STATEMENT_H
 
+#include <type_traits>
+
 #include "reader/context.h"
 #include "reader/host_memory.h"
 
-// Opens a statement: a new node becomes the innermost one. Returns null when memory is exhausted.
-inline MifStatement *mifPushStatement(MifContext *context, const MifStatementEntry &row, char *valueStart)
+// Opens a statement: a new node, a MifLocatedStatement in the extended stream, becomes the innermost one. Returns null
+// when memory is exhausted.
+template <bool isExtended = false>
+MifStatement *mifPushStatement(MifContext *context, const MifStatementEntry &row, char *valueStart)
 {
-    auto *statement = static_cast<MifStatement *>(mifAllocateBytes(context, sizeof(MifStatement)));
+    auto *statement = static_cast<MifStatement *>(
+        mifAllocateBytes(context, sizeof(std::conditional_t<isExtended, MifLocatedStatement, MifStatement>)));
     if (statement != nullptr) {
         *statement = {&row, valueStart, nullptr, context->scanner.statementStack};
         context->scanner.statementStack = statement;

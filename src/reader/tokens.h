@@ -17,6 +17,10 @@
 // Begins a fill call: points the output at the host's buffer and writes the tokens that wait.
 void mifBeginOutput(MifContext *context, uint8_t *buffer, uint32_t bufferSize);
 
+// The document fails, for that reason (a MIF_REASON value), unless it has failed already: nothing more is written, and
+// the fill call returns 6.
+void mifFail(MifContext *context, uint32_t reason);
+
 // Whether no further step may be begun in this call.
 inline bool mifOutputStopped(const MifOutputState &output)
 {

@@ -215,6 +215,13 @@ int32_t mifSaturate(int64_t value)
 
 MifMeasurementList::MifMeasurementList(const char *value) : rest_(skipMeasurement(value)) {}
 
+MifMeasurementList MifMeasurementList::fromFirst(const char *value)
+{
+    MifMeasurementList list("");
+    list.rest_ = skipBlanks(value);
+    return list;
+}
+
 int32_t MifMeasurementList::next()
 {
     const int32_t twips = mifParseFirstTwips(rest_);

@@ -37,6 +37,9 @@ class MifMeasurementList
 public:
     explicit MifMeasurementList(const char *value);
 
+    // The same from the first measurement on, whatever stands before it.
+    static MifMeasurementList fromFirst(const char *value);
+
     // The next measurement in twips; 0 after the last one.
     int32_t next();
 

@@ -58,11 +58,14 @@ int mifVariableName(MifContext *context)
     if (context->variables.inVariableFormats != 0) {
         return declareVariable(context, name);
     }
+    const char *definition = mifFindDefinition(context, name);
+    return definition != nullptr ? writeDefinition(context, definition) : 0;
+}
+
+const char *mifFindDefinition(const MifContext *context, const char *name)
+{
     const auto *variable = static_cast<MifVariable *>(context->variables.names.find(name, strlen(name)));
-    if (variable == nullptr || variable->definition == nullptr) {
-        return 0;
-    }
-    return writeDefinition(context, variable->definition);
+    return variable != nullptr ? variable->definition : nullptr;
 }
 
 // A definition belongs to the variable declared last, wherever it stands.

@@ -7,6 +7,9 @@
 
 #include "reader/context.h"
 
+// The definition of the variable of that name, with its escapes; null when it has none.
+const char *mifFindDefinition(const MifContext *context, const char *name);
+
 // Statement handlers. A VariableName declares a variable inside VariableFormats and refers to one everywhere else.
 int mifVariableName(MifContext *context);
 int mifVariableDef(MifContext *context);

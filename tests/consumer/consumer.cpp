@@ -8,7 +8,7 @@ int main(int, char **arguments)
 {
     mifhost::FileStream stream(arguments[1]);
     mifhost::Document document(stream);
-    mifhost::Windows1252 charset;
+    mifhost::TextConverter charset;
     std::string text;
     while (const mifhost::Token *token = document.next()) {
         if (const auto *run = std::get_if<mifhost::Text>(token)) {

@@ -387,7 +387,13 @@ void Batch::convertTo(Job &job, Output &output)
     const std::uint64_t workLimit =
         options_.maxWork > 0 ? options_.maxWork : std::max(workAlways, workRatio * stream.size());
     const Deadline deadline(stream, options_.timeout.value_or(inputs_.size() > 1 ? batchTimeout : 0));
-    mifhost::Document document(plugin_, stream, {options_.bufferSize, options_.maxMemory, workLimit, deadline});
+    mifhost::Document document(plugin_, stream,
+                               {.bufferSize = options_.bufferSize,
+                                .memoryLimit = options_.maxMemory,
+                                .workLimit = workLimit,
+                                .isExtended = options_.isExtended,
+                                .encoding = options_.encoding,
+                                .proceed = deadline});
 
     const std::uint64_t outputLimit =
         options_.maxOutput > 0 ? options_.maxOutput : std::max(outputAlways, outputRatio * stream.size());

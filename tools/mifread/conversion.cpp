@@ -49,7 +49,7 @@ void addReaderLosses(const mifhost::Document &document, std::vector<std::string>
 Conversion::Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, Claims &claims,
                        const Limits &limits, Progress progress)
     : document_(document), output_(output), folder_(std::move(folder)), claims_(claims), limits_(limits),
-      progress_(std::move(progress)), outputStart_(output.size())
+      progress_(std::move(progress)), charset_(document.isExtended()), outputStart_(output.size())
 {
 }
 

@@ -61,7 +61,7 @@ public:
     std::filesystem::path claimFile(const std::string &name);
 
     // Converts text to UTF-8. What cannot be converted is a loss.
-    mifhost::Windows1252 &charset() noexcept
+    mifhost::TextConverter &charset() noexcept
     {
         return charset_;
     }
@@ -81,7 +81,7 @@ private:
     Claims &claims_;
     Limits limits_;
     Progress progress_;
-    mifhost::Windows1252 charset_;
+    mifhost::TextConverter charset_;
     std::vector<std::string> losses_;
     std::map<std::string_view, std::uint64_t> lossCounts_; // by kind
     std::uint64_t outputStart_;                            // size of the output before this document

@@ -168,7 +168,9 @@ Json infoJson(const DocumentInfo &info)
 {
     Json tokens = Json::object();
     for (std::size_t kind = 0; kind < mifconvert::tokenNames.size(); ++kind) {
-        tokens[std::string(mifconvert::tokenNames[kind])] = info.tokens[kind];
+        if (kind < mifconvert::plainTokens || info.tokens[kind] > 0) {
+            tokens[std::string(mifconvert::tokenNames[kind])] = info.tokens[kind];
+        }
     }
     Json fonts = Json::array();
     for (const FontInfo &font : info.fonts) {

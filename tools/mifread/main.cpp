@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
+#include <map>
 #include <numeric>
 #include <sstream>
 #include <string>
@@ -38,6 +39,10 @@ constexpr const char *exitCodes =
     "  5  a limit was reached";
 
 // As the help shows them: not at all.
+const std::map<std::string, std::uint32_t> encodings = {{"auto", MIF_ENCODING_AUTO},
+                                                        {"mif", MIF_ENCODING_MIF},
+                                                        {"windows-1252", MIF_ENCODING_WINDOWS_1252},
+                                                        {"utf-8", MIF_ENCODING_UTF_8}};
 const CLI::Validator isPositive([](const std::string &value) { return value == "0" ? "must be more than 0" : ""; }, "");
 const CLI::Validator isNotEmpty([](const std::string &value) { return value.empty() ? "must not be empty" : ""; }, "");
 
@@ -86,6 +91,11 @@ CLI::App *addCommand(CLI::App &program, const char *name, const char *descriptio
         ->type_name("SIZE")
         ->transform(CLI::AsSizeValue(false).description(""))
         ->check(CLI::Range(std::uint32_t{1}, mifhost::DocumentOptions::largestBuffer));
+    command
+        ->add_option("--encoding", options.encoding,
+                     "What bytes above 127 in strings are: auto, mif, windows-1252 or utf-8; auto if not given")
+        ->type_name("NAME")
+        ->transform(CLI::CheckedTransformer(encodings).description(""));
     command->add_option("--plugin", options.plugin, "Read with this reader plug-in instead of the built-in one")
         ->type_name("PATH");
     return command;
@@ -267,6 +277,7 @@ void addInfo(CLI::App &program, Options &options, mifread::Command &command)
 void addTokens(CLI::App &program, Options &options, mifread::Command &command)
 {
     CLI::App *tokens = addCommand(program, "tokens", "List the token stream of a document, one token a line", options);
+    tokens->add_flag("--extended", options.isExtended, "List the extended stream, which tells more than the plain one");
     tokens->callback([&] { command = mifread::tokensCommand(); });
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "mifhost/stream.h"
+#include "mifreader/extended.h"
 
 namespace mifread
 {
@@ -39,6 +40,8 @@ struct Options {
     bool asJson = false;      // objects and info: as JSON instead of for people
     bool withObjects = false; // json: the data of objects as well
 
+    bool isExtended = false;                                 // ask the reader for the extended stream
+    std::uint32_t encoding = MIF_ENCODING_AUTO;              // of the extended stream's documents, a MIF_ENCODING value
     std::uint32_t bufferSize = 64 * 1024;                    // bytes
     std::string plugin;                                      // a path; empty: the reader the program is linked with
     std::size_t maxMemory = std::size_t{1024} * 1024 * 1024; // bytes of the reader's memory for a document; 0: no limit

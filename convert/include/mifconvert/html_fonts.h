@@ -33,8 +33,9 @@ constexpr std::uint32_t largestFontSize = 400;
 class FontStyles
 {
 public:
-    // fonts  the document's fonts, which must live as long as the styles
-    explicit FontStyles(const mifhost::FontRegistry &fonts) : fonts_(fonts) {}
+    // fonts   the document's fonts, which must live as long as the styles
+    // isUtf8  whether their names are UTF-8, and not Windows-1252
+    FontStyles(const mifhost::FontRegistry &fonts, bool isUtf8) : fonts_(fonts), charset_(isUtf8) {}
 
     // Returns the style of the font that a Font token names; the page's own font for an unknown number. Valid until the
     // next call.
@@ -45,7 +46,7 @@ private:
 
     const mifhost::FontRegistry &fonts_;
     // Names of fonts are no text of the document, so that their characters are not counted with it.
-    mifhost::Windows1252 charset_;
+    mifhost::TextConverter charset_;
     std::vector<FontStyle> styles_; // by font number
     FontStyle pageFont_{pageFontClass, ""};
 };

@@ -25,7 +25,7 @@ constexpr std::int32_t clampMeasure(std::int64_t twips, std::int32_t least, std:
 // pictures, U+2400 and on.
 //
 // bytes  in Windows-1252
-void appendHtmlText(std::string_view bytes, mifhost::Windows1252 &charset, std::string &out);
+void appendHtmlText(std::string_view bytes, mifhost::TextConverter &charset, std::string &out);
 
 // Appends a file's name as the content of an element. Names are UTF-8; bytes that are not become U+FFFD.
 void appendHtmlName(std::string_view name, std::string &out);
@@ -33,7 +33,7 @@ void appendHtmlName(std::string_view name, std::string &out);
 // Appends text as a CSS string, in its quotes, that can stand in an attribute's value.
 //
 // bytes  in Windows-1252
-void appendCssString(std::string_view bytes, mifhost::Windows1252 &charset, std::string &out);
+void appendCssString(std::string_view bytes, mifhost::TextConverter &charset, std::string &out);
 
 // Appends a measure in twips as CSS points, such as "50.35pt".
 void appendPoints(std::int64_t twips, std::string &out, std::string_view unit = "pt");

@@ -33,7 +33,7 @@ public:
     // showFrame  called for each frame, perhaps some tokens later
     // out        what the page is appended to
     // Fonts, charset and out must live as long as the writer.
-    HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::Windows1252 &charset,
+    HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset,
                ShowFrame showFrame, std::string &out);
 
     // Appends what the token adds to the page.
@@ -59,6 +59,10 @@ private:
     void put(const mifhost::TextColor &color);
     void put(const mifhost::Frame &frame);
     void put(const mifhost::Charset &charset);
+    template <typename Other>
+    void put(const Other & /*other*/)
+    {
+    }
 
     // A tab or a frame that came before its paragraph's formats did.
     struct Leader {
@@ -82,7 +86,7 @@ private:
     Column currentColumn() const;
 
     std::string title_;
-    mifhost::Windows1252 &charset_;
+    mifhost::TextConverter &charset_;
     ShowFrame showFrame_;
     std::string &out_;
     FontStyles fonts_;

@@ -24,7 +24,7 @@ public:
     // fonts    the document's fonts
     // charset  converts its text
     // out      the lines are appended here; all three must live as long as this
-    JsonLines(const mifhost::FontRegistry &fonts, mifhost::Windows1252 &charset, std::string &out)
+    JsonLines(const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset, std::string &out)
         : fonts_(fonts), charset_(charset), out_(out)
     {
     }
@@ -48,7 +48,7 @@ public:
 
 private:
     FontIntroductions fonts_;
-    mifhost::Windows1252 &charset_;
+    mifhost::TextConverter &charset_;
     std::string &out_;
     Base64Encoder encoder_;
     bool objectIsOpen_ = false;

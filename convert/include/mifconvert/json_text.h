@@ -13,7 +13,7 @@ namespace mifconvert
 {
 
 // Appends a document's text, bytes of Windows-1252, to out as a JSON string with its quotes, in UTF-8.
-void appendJsonText(std::string_view text, mifhost::Windows1252 &charset, std::string &out);
+void appendJsonText(std::string_view text, mifhost::TextConverter &charset, std::string &out);
 
 // An object keeps its members in the order in which they were added.
 using Json = nlohmann::ordered_json;

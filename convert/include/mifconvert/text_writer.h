@@ -17,7 +17,7 @@ class TextWriter
 public:
     // charset  converts the document's text
     // out      the text is appended here; both must live as long as the writer
-    TextWriter(mifhost::Windows1252 &charset, std::string &out) : charset_(charset), out_(out) {}
+    TextWriter(mifhost::TextConverter &charset, std::string &out) : charset_(charset), out_(out) {}
 
     void write(const mifhost::Token &token)
     {
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    mifhost::Windows1252 &charset_;
+    mifhost::TextConverter &charset_;
     std::string &out_;
 };
 

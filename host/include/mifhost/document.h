@@ -38,6 +38,11 @@ struct DocumentOptions {
     std::uint64_t workLimit = 0;
     static constexpr std::uint64_t announcedFont = 64;
 
+    // Whether to have the extended stream, where the plug-in offers it; and what the document's bytes above 0x7F are, a
+    // MIF_ENCODING value, which only the extended stream takes into account.
+    bool isExtended = false;
+    std::uint32_t encoding = MIF_ENCODING_AUTO;
+
     // Called at every read of the reader, also of those within one long call, and after every call that gave tokens. It
     // may throw to end the conversion: next() or Object::read() throws it on.
     std::function<void()> proceed{};
@@ -70,6 +75,12 @@ public:
     const std::string &name() const noexcept
     {
         return stream_.name();
+    }
+
+    // Whether its tokens are the extended stream's.
+    bool isExtended() const noexcept
+    {
+        return isExtended_;
     }
 
     // The size of the document in bytes.
@@ -127,6 +138,7 @@ private:
     SourceCheck check_;
     MifFileAccess fileAccess_{}; // the operations on embedded objects; null where the reader offers none
     bool objectIsOpen_ = false;
+    bool isExtended_ = false;
     std::uint64_t work_ = 0;
     std::uint64_t workLimit_;
     std::function<void()> proceed_;

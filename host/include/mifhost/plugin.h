@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "mifreader/extended.h"
 #include "mifreader/reader.h"
 
 namespace mifhost
@@ -27,16 +28,27 @@ public:
         return entries_;
     }
 
+    // The entries beside the table, mifExtendStream and mifGetFailure; null where the plug-in has none.
+    struct Extension {
+        decltype(&mifExtendStream) extendStream = nullptr;
+        decltype(&mifGetFailure) getFailure = nullptr;
+    };
+    const Extension &extension() const noexcept
+    {
+        return extension_;
+    }
+
 private:
     struct Unload {
         void operator()(void *library) const noexcept;
     };
     using Library = std::unique_ptr<void, Unload>;
 
-    Plugin(Library library, const MifReaderInterface &entries) noexcept;
+    Plugin(Library library, const MifReaderInterface &entries, const Extension &extension) noexcept;
 
     Library library_;
     MifReaderInterface entries_;
+    Extension extension_;
 };
 
 } // namespace mifhost

@@ -20,6 +20,7 @@
 #include <variant>
 #include <vector>
 
+#include "mifhost/extended_token.h"
 #include "mifreader/tokens.h"
 
 namespace mifhost
@@ -34,7 +35,12 @@ enum class Alignment : std::uint8_t {
 };
 
 // What stands at a tab stop: the left end, the right end or the middle of the text after the tab.
-enum class TabKind : std::uint8_t { Left = MIF_TAB_LEFT, Right = MIF_TAB_RIGHT, Center = MIF_TAB_CENTER };
+enum class TabKind : std::uint8_t {
+    Left = MIF_TAB_LEFT,
+    Right = MIF_TAB_RIGHT,
+    Center = MIF_TAB_CENTER,
+    Decimal = MIF_TAB_DECIMAL // its point; in the extended stream alone
+};
 
 // Of a paragraph's lines, as a multiple of their height.
 enum class Spacing : std::uint8_t {
@@ -147,7 +153,11 @@ struct Charset {
 
 // In the order in which Token::index() counts them.
 using Token = std::variant<Text, ParaFormat, TabStops, Tab, Attribute, TableRow, TableEnd, CellEnd, ParaEnd, LineBreak,
-                           Font, PageSetup, LineSpacing, TextColor, Frame, Charset>;
+                           Font, PageSetup, LineSpacing, TextColor, Frame, Charset,
+                           // Of the extended stream.
+                           Paragraph, Number, ModeChange, FontSize, TabLeaders, NoteBegin, NoteEnd, NoteReference,
+                           Marker, XRefBegin, XRefEnd, TableOpen, TitleBegin, TitleEnd, Row, Cell, TableClose, Anchor,
+                           BoxBegin, BoxEnd, DocumentField, PageSize, Loss, LossTotal>;
 
 // Takes a token stream apart. It trusts nothing: whatever the bytes are, it reads within them or throws.
 class TokenDecoder
@@ -177,6 +187,10 @@ private:
     Token decodeToken(Payload &payload);
     Token decodeTabStops(Payload &payload);
     Token decodeTableRow(Payload &payload);
+    Token decodeExtended(Payload &payload);
+    Token decodeTablePart(Payload &payload);
+    Token decodeTabLeaders(Payload &payload);
+    Token decodeTableOpen(Payload &payload);
     [[noreturn]] void fail(std::uint64_t position, const std::string &reason) const;
 
     std::string name_;
@@ -186,6 +200,7 @@ private:
     // What the spans of a token point to.
     std::vector<TabStop> tabStops_;
     std::vector<std::int32_t> columnWidths_;
+    std::vector<std::string_view> leaders_;
 };
 
 } // namespace mifhost

@@ -2,10 +2,12 @@
 #include <algorithm>
 
 #include "reader/context.h"
+#include "reader/drive/extension.h"
 #include "reader/drive/scanner.h"
 #include "reader/header.h"
 #include "reader/source.h"
 #include "reader/tokens.h"
+#include "text/document.h"
 
 namespace
 {
@@ -58,11 +60,12 @@ int32_t fillOutput(MifContext *context, int32_t *percent)
             return MIF_FAILURE;
         }
         if (!prepareStretch(context)) {
+            mifTellDocumentEnd(context);
             *percent = percentDone(context, true);
             return MIF_SUCCESS;
         }
         if (mifProcessBuffer(context) == 0) {
-            context->output.failed = 1;
+            mifFail(context, MIF_REASON_MEMORY);
         }
         *percent = percentDone(context, false);
         if (context->output.failed == 0 && (context->output.outputFull != 0 || *percent >= 100)) {
@@ -90,8 +93,11 @@ int32_t mifFillBuffer(MifContext *context, uint8_t *buffer, uint32_t *bytesWritt
         mifWritePreamble(context);
         mifReadFirstStretch(context);
         if (mifMIFFile(context) == 0) {
-            output.failed = 1;
+            mifFail(context, MIF_REASON_NO_HEADER);
             return MIF_FAILURE;
+        }
+        if (context->extension.version != 0) {
+            mifTellVersion(context);
         }
     }
     const int32_t result = fillOutput(context, percent);

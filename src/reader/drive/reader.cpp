@@ -7,6 +7,7 @@
 #include "frames/imported_objects.h"
 #include "frames/object_file.h"
 #include "reader/context.h"
+#include "reader/drive/extension.h"
 #include "reader/drive/layout.h"
 #include "reader/drive/statement_table.h"
 #include "reader/header.h"
@@ -98,12 +99,18 @@ int32_t mifInitDoc(MifContext *context, void * /*unused*/, int32_t size, HostStr
     source.scanPosition = source.buffer;
     source.bufferEnd = source.buffer;
     source.totalSize = size != 0 ? size : measureStream(stream);
+    context->extension.initialized = 1;
     if (source.totalSize < 0) {
+        context->output.failure.reason = MIF_REASON_SIZE;
         return MIF_FAILURE;
     }
     setDefaults(context);
     announceFileAccess(context);
-    return mifCreateHashTable(context) != 0 ? MIF_SUCCESS : MIF_FAILURE;
+    if (mifPrepareExtension(context) == 0 || mifCreateHashTable(context) == 0) {
+        context->output.failure.reason = MIF_REASON_MEMORY;
+        return MIF_FAILURE;
+    }
+    return MIF_SUCCESS;
 }
 
 int32_t mifFreeContext(MifContext *context)
@@ -121,6 +128,7 @@ int32_t mifFreeContext(MifContext *context)
     mifFreeTabArrays(context);
     mifFreeImportObjects(context);
     mifFreeHashTable(context);
+    mifFreeExtension(context);
     mifFreeQueuedTokens(context);
     mifRelease(context, context);
     return MIF_SUCCESS;

@@ -9,6 +9,7 @@
 #include "formats/properties.h"
 #include "frames/frames.h"
 #include "frames/imported_objects.h"
+#include "reader/drive/rows.h"
 #include "reader/header.h"
 #include "reader/host_memory.h"
 #include "reader/units.h"
@@ -20,47 +21,6 @@
 
 namespace
 {
-
-template <auto group, auto flag>
-uint32_t &insideFlag(MifContext &context)
-{
-    return context.*group.*flag;
-}
-
-template <size_t size>
-constexpr MifStatementEntry row(const char (&name)[size], MifStatementHandler handler, uint32_t traits = 0)
-{
-    MifStatementEntry entry = {"", handler, nullptr, nullptr, nullptr, traits};
-    std::copy_n(name, size, entry.name);
-    return entry;
-}
-
-// A statement whose start and end tags raise and lower a flag.
-template <size_t size>
-constexpr MifStatementEntry inside(const char (&name)[size], MifStatementHandler handler, MifInsideFlag flag,
-                                   uint32_t traits = 0)
-{
-    MifStatementEntry entry = row(name, handler, traits | TRAIT_FLAG);
-    entry.insideFlag = flag;
-    return entry;
-}
-
-// A statement that sets a property, in the text and when a format that it is stored in is selected.
-template <size_t size>
-constexpr MifStatementEntry sets(const char (&name)[size], const MifProperty &direct, const MifProperty &stored,
-                                 MifStatementHandler handler = mifSetDirectly)
-{
-    MifStatementEntry entry = row(name, handler);
-    entry.direct = &direct;
-    entry.stored = &stored;
-    return entry;
-}
-
-template <size_t size>
-constexpr MifStatementEntry sets(const char (&name)[size], const MifProperty &property)
-{
-    return sets(name, property, property);
-}
 
 uint32_t hashOf(std::string_view name)
 {
@@ -152,6 +112,21 @@ constexpr MifStatementEntry rows[] = {
     sets("FItalic", mifItalic, mifStoredItalic),
 };
 
+// Takes rows up, the last one to be found first. Returns false when memory is exhausted.
+bool takeUp(MifContext *context, std::span<const MifStatementEntry> table)
+{
+    for (const MifStatementEntry &row : table) {
+        auto *entry = mifAllocateZeroed<MifLookupEntry>(context);
+        if (entry == nullptr) {
+            return false;
+        }
+        MifLookupEntry *&bucket = context->dispatch.statementBuckets[mifHashValue(row.name)];
+        *entry = {&row, bucket};
+        bucket = entry;
+    }
+    return true;
+}
+
 } // namespace
 
 const MifStatementEntry mifUnsupportedStatement = row("", mifUnsupportedMIFStatement);
@@ -164,16 +139,8 @@ uint32_t mifHashValue(const char *name)
 
 int mifCreateHashTable(MifContext *context)
 {
-    for (const MifStatementEntry &row : MifStatementTable) {
-        auto *entry = mifAllocateZeroed<MifLookupEntry>(context);
-        if (entry == nullptr) {
-            return 0;
-        }
-        MifLookupEntry *&bucket = context->dispatch.statementBuckets[mifHashValue(row.name)];
-        *entry = {&row, bucket};
-        bucket = entry;
-    }
-    return 1;
+    return takeUp(context, MifStatementTable) &&
+           (context->extension.version == 0 || takeUp(context, MifExtendedStatementTable));
 }
 
 void mifFreeHashTable(MifContext *context)

@@ -14,6 +14,10 @@
 // Read-only and shared by all contexts.
 extern const std::span<const MifStatementEntry> MifStatementTable;
 
+// The statements that the extended stream reads otherwise than the plain one, or that it alone reads. In it they come
+// before those of the same name.
+extern const std::span<const MifStatementEntry> MifExtendedStatementTable;
+
 // The bucket of a name, 0 to 40.
 uint32_t mifHashValue(const char *name);
 

@@ -1,6 +1,7 @@
 #include "reader/drive/suspension.h"
 
 #include "formats/paragraphs.h"
+#include "reader/drive/extension.h"
 #include "reader/source.h"
 #include "reader/statement.h"
 
@@ -42,6 +43,7 @@ int mifRestoreCurrentBuffer(MifContext *context)
         mifProcessEndTag(context, 0);
     }
     mifDropNumbers(context, context->scanner.openParagraphs + 1);
+    mifLeaveTable(context);
     moveStream(context, replay.savedPosition);
     replay.readingStretch = 0;
     replay.restorePending = 0;
