@@ -43,10 +43,6 @@ public:
         }
         out_ += "]}\n";
     }
-    void operator()(const mifhost::Tab &)
-    {
-        out_ += "{\"type\":\"tab\"}\n";
-    }
     void operator()(const mifhost::Attribute &attribute)
     {
         line(R"({{"type":"attribute","mode":"{}","on":{}}})", nameOf(modeNames, attribute.mode), attribute.on);
@@ -54,22 +50,6 @@ public:
     void operator()(const mifhost::TableRow &row)
     {
         line(R"({{"type":"table-row","widths":[{}],"offset":{}}})", fmt::join(row.columnWidths, ","), row.offset);
-    }
-    void operator()(const mifhost::TableEnd &)
-    {
-        out_ += "{\"type\":\"table-end\"}\n";
-    }
-    void operator()(const mifhost::CellEnd &)
-    {
-        out_ += "{\"type\":\"cell-end\"}\n";
-    }
-    void operator()(const mifhost::ParaEnd &)
-    {
-        out_ += "{\"type\":\"para-end\"}\n";
-    }
-    void operator()(const mifhost::LineBreak &)
-    {
-        out_ += "{\"type\":\"line-break\"}\n";
     }
     void operator()(const mifhost::Font &font)
     {
@@ -97,6 +77,11 @@ public:
     void operator()(const mifhost::Charset &charset)
     {
         line(R"({{"type":"charset","number":{}}})", charset.number);
+    }
+    template <EmptyToken Kind>
+    void operator()(const Kind &kind)
+    {
+        line(R"({{"type":"{}"}})", tokenName(kind));
     }
 
 private:

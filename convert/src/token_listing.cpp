@@ -57,10 +57,6 @@ public:
         }
         out_ += '\n';
     }
-    void operator()(const mifhost::Tab &)
-    {
-        line("tab");
-    }
     void operator()(const mifhost::Attribute &attribute)
     {
         line("attribute {} {}", nameOf(modeNames, attribute.mode), attribute.on ? "on" : "off");
@@ -69,22 +65,6 @@ public:
     {
         line("table-row columns={} widths={} offset={}", row.columnWidths.size(), fmt::join(row.columnWidths, ","),
              row.offset);
-    }
-    void operator()(const mifhost::TableEnd &)
-    {
-        line("table-end");
-    }
-    void operator()(const mifhost::CellEnd &)
-    {
-        line("cell-end");
-    }
-    void operator()(const mifhost::ParaEnd &)
-    {
-        line("para-end");
-    }
-    void operator()(const mifhost::LineBreak &)
-    {
-        line("line-break");
     }
     void operator()(const mifhost::Font &font)
     {
@@ -112,6 +92,11 @@ public:
     void operator()(const mifhost::Charset &charset)
     {
         line("charset {}", charset.number);
+    }
+    template <EmptyToken Kind>
+    void operator()(const Kind &kind)
+    {
+        line("{}", tokenName(kind));
     }
 
 private:

@@ -71,7 +71,6 @@ private:
 
     void beginPage(const mifhost::Token *first);
     void writeLineBreak();
-    void writeTab();
     void writeFrame(const mifhost::Frame &frame);
     void addLeader(Leader leader);
     void writeLeaders();
@@ -79,7 +78,6 @@ private:
     void closeParagraph();
     void openRun();
     void closeRun();
-    Column currentColumn() const;
 
     std::string title_;
     mifhost::Windows1252 &charset_;

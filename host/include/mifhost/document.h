@@ -114,10 +114,8 @@ private:
     void checkResult(std::int32_t result, std::uint32_t written, std::int32_t percent) const;
     void watchRead(std::uint64_t position, std::span<const std::uint8_t> bytes);
     void addWork(std::uint64_t bytes);
-    void noteAnnouncement() noexcept;
     void proceed() const;
     [[noreturn]] void throwRefusal() const;
-    void throwPendingError() const;
     void requireMemory() const;
 
     Stream &stream_;
