@@ -192,19 +192,14 @@ void HtmlWriter::writeLeaders()
 {
     for (const Leader &leader : leaders_) {
         if (leader.isTab) {
-            writeTab();
+            closeRun();
+            line_.tab();
+            lineIsEmpty_ = false;
         } else {
             writeFrame({leader.id, leader.width, leader.height, leader.kind});
         }
     }
     leaders_.clear();
-}
-
-void HtmlWriter::writeTab()
-{
-    closeRun();
-    line_.tab();
-    lineIsEmpty_ = false;
 }
 
 void HtmlWriter::writeFrame(const mifhost::Frame &frame)
@@ -240,7 +235,7 @@ void HtmlWriter::openParagraph()
     if (table_.isOpen()) {
         table_.openCell();
     }
-    const Column column = currentColumn();
+    const Column column = table_.isOpen() ? table_.cellColumn() : columnOf(page_);
     edges_ = edgesIn(column, paragraph_);
     if (paragraphGoesOn_) {
         edges_.first = edges_.left;
@@ -296,11 +291,6 @@ void HtmlWriter::closeRun()
         runIsOpen_ = false;
     }
     runCharacters_ = paragraphCharacters_;
-}
-
-Column HtmlWriter::currentColumn() const
-{
-    return table_.isOpen() ? table_.cellColumn() : columnOf(page_);
 }
 
 } // namespace mifconvert

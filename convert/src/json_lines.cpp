@@ -43,10 +43,6 @@ public:
         }
         out_ += "]}\n";
     }
-    void operator()(const mifhost::Tab &)
-    {
-        out_ += "{\"type\":\"tab\"}\n";
-    }
     void operator()(const mifhost::Attribute &attribute)
     {
         line(R"({{"type":"attribute","mode":"{}","on":{}}})", nameOf(modeNames, attribute.mode), attribute.on);
@@ -54,22 +50,6 @@ public:
     void operator()(const mifhost::TableRow &row)
     {
         line(R"({{"type":"table-row","widths":[{}],"offset":{}}})", fmt::join(row.columnWidths, ","), row.offset);
-    }
-    void operator()(const mifhost::TableEnd &)
-    {
-        out_ += "{\"type\":\"table-end\"}\n";
-    }
-    void operator()(const mifhost::CellEnd &)
-    {
-        out_ += "{\"type\":\"cell-end\"}\n";
-    }
-    void operator()(const mifhost::ParaEnd &)
-    {
-        out_ += "{\"type\":\"para-end\"}\n";
-    }
-    void operator()(const mifhost::LineBreak &)
-    {
-        out_ += "{\"type\":\"line-break\"}\n";
     }
     void operator()(const mifhost::Font &font)
     {
@@ -131,10 +111,6 @@ public:
     {
         json({{"type", "note-begin"}, {"id", note.id}});
     }
-    void operator()(const mifhost::NoteEnd &)
-    {
-        json({{"type", "note-end"}});
-    }
     void operator()(const mifhost::NoteReference &note)
     {
         json({{"type", "note-reference"}, {"id", note.id}});
@@ -150,10 +126,6 @@ public:
               {"sourceText", reference.sourceText},
               {"sourceFile", reference.sourceFile}});
     }
-    void operator()(const mifhost::XRefEnd &)
-    {
-        json({{"type", "xref-end"}});
-    }
     void operator()(const mifhost::TableOpen &table)
     {
         json({{"type", "table-open"},
@@ -166,14 +138,6 @@ public:
               {"rulings", rulingsJson(table.rulings)},
               {"bodyFill", fillJson(table.bodyFill)},
               {"headingFill", fillJson(table.headingFill)}});
-    }
-    void operator()(const mifhost::TitleBegin &)
-    {
-        json({{"type", "title-begin"}});
-    }
-    void operator()(const mifhost::TitleEnd &)
-    {
-        json({{"type", "title-end"}});
     }
     void operator()(const mifhost::Row &row)
     {
@@ -188,10 +152,6 @@ public:
               {"fill", fillJson(cell.fill)},
               {"rulings", rulingsJson(cell.rulings)},
               {"angle", cell.angle}});
-    }
-    void operator()(const mifhost::TableClose &)
-    {
-        json({{"type", "table-close"}});
     }
     void operator()(const mifhost::Anchor &anchor)
     {
@@ -209,10 +169,6 @@ public:
     void operator()(const mifhost::BoxBegin &box)
     {
         json({{"type", "box-begin"}, {"frame", box.frameId}});
-    }
-    void operator()(const mifhost::BoxEnd &)
-    {
-        json({{"type", "box-end"}});
     }
     void operator()(const mifhost::DocumentField &field)
     {
@@ -232,6 +188,11 @@ public:
               {"kind", nameOf(lossKindNames, total.kind)},
               {"count", total.count},
               {"first", total.first}});
+    }
+    template <EmptyToken Kind>
+    void operator()(const Kind &kind)
+    {
+        line(R"({{"type":"{}"}})", tokenName(kind));
     }
 
 private:

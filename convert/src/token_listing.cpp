@@ -57,10 +57,6 @@ public:
         }
         out_ += '\n';
     }
-    void operator()(const mifhost::Tab &)
-    {
-        line("tab");
-    }
     void operator()(const mifhost::Attribute &attribute)
     {
         line("attribute {} {}", nameOf(modeNames, attribute.mode), attribute.on ? "on" : "off");
@@ -69,22 +65,6 @@ public:
     {
         line("table-row columns={} widths={} offset={}", row.columnWidths.size(), fmt::join(row.columnWidths, ","),
              row.offset);
-    }
-    void operator()(const mifhost::TableEnd &)
-    {
-        line("table-end");
-    }
-    void operator()(const mifhost::CellEnd &)
-    {
-        line("cell-end");
-    }
-    void operator()(const mifhost::ParaEnd &)
-    {
-        line("para-end");
-    }
-    void operator()(const mifhost::LineBreak &)
-    {
-        line("line-break");
     }
     void operator()(const mifhost::Font &font)
     {
@@ -145,10 +125,6 @@ public:
     {
         line("note-begin {}", note.id);
     }
-    void operator()(const mifhost::NoteEnd &)
-    {
-        line("note-end");
-    }
     void operator()(const mifhost::NoteReference &note)
     {
         line("note-reference {}", note.id);
@@ -162,10 +138,6 @@ public:
         line("xref-begin format={} text={} file={}", quoted(reference.format), quoted(reference.sourceText),
              quoted(reference.sourceFile));
     }
-    void operator()(const mifhost::XRefEnd &)
-    {
-        line("xref-end");
-    }
     void operator()(const mifhost::TableOpen &table)
     {
         fmt::format_to(std::back_inserter(out_), "table-open id={} tag={} alignment={} title={} indent={} widths={}",
@@ -175,14 +147,6 @@ public:
             appendRuling(tableEdgeNames[edge], table.rulings[edge]);
         }
         line(" body-fill={} heading-fill={}", fillText(table.bodyFill), fillText(table.headingFill));
-    }
-    void operator()(const mifhost::TitleBegin &)
-    {
-        line("title-begin");
-    }
-    void operator()(const mifhost::TitleEnd &)
-    {
-        line("title-end");
     }
     void operator()(const mifhost::Row &row)
     {
@@ -197,10 +161,6 @@ public:
         }
         line(" angle={}", cell.angle);
     }
-    void operator()(const mifhost::TableClose &)
-    {
-        line("table-close");
-    }
     void operator()(const mifhost::Anchor &anchor)
     {
         line("anchor id={} left={} top={} width={} height={} place={} alignment={} drawing={} path={}", anchor.id,
@@ -210,10 +170,6 @@ public:
     void operator()(const mifhost::BoxBegin &box)
     {
         line("box-begin {}", box.frameId);
-    }
-    void operator()(const mifhost::BoxEnd &)
-    {
-        line("box-end");
     }
     void operator()(const mifhost::DocumentField &field)
     {
@@ -230,6 +186,11 @@ public:
     void operator()(const mifhost::LossTotal &total)
     {
         line("loss-total {} count={} first={}", nameOf(lossKindNames, total.kind), total.count, total.first);
+    }
+    template <EmptyToken Kind>
+    void operator()(const Kind &kind)
+    {
+        line("{}", tokenName(kind));
     }
 
 private:

@@ -132,18 +132,6 @@ void Document::addWork(std::uint64_t bytes)
     }
 }
 
-// The reader goes on to its next read behind an announcement that is too many.
-void Document::noteAnnouncement() noexcept
-{
-    try {
-        if (failure_ == nullptr) {
-            addWork(DocumentOptions::announcedFont);
-        }
-    } catch (...) {
-        failure_ = std::current_exception();
-    }
-}
-
 void Document::proceed() const
 {
     if (proceed_) {
@@ -154,7 +142,10 @@ void Document::proceed() const
 // Throws what a call of mifFillBuffer failed of.
 void Document::checkResult(std::int32_t result, std::uint32_t written, std::int32_t percent) const
 {
-    throwPendingError();
+    // What the stream or the memory met in the call comes before what the reader tells, because the reader takes the
+    // one for the end of the data and may get over the other with a piece of the document missing.
+    stream_.throwPendingError();
+    requireMemory();
     const bool isStored = written != notStored;
     if (result != MIF_SUCCESS && !isStored && decoder_.position() == 0) {
         throwRefusal();
@@ -183,14 +174,6 @@ void Document::throwRefusal() const
     throw NotMif(stream_.name(), std::nullopt, reason);
 }
 
-// Throws what the stream or the memory met in a call of the reader. It comes before what the reader tells, because the
-// reader takes the one for the end of the data and may get over the other with a piece of the document missing.
-void Document::throwPendingError() const
-{
-    stream_.throwPendingError();
-    requireMemory();
-}
-
 void Document::requireMemory() const
 {
     if (memory_.refusals() == 0) {
@@ -205,19 +188,20 @@ void Document::requireMemory() const
 std::uint32_t Document::notify(void *cookie, std::uint32_t code, void *data) noexcept
 {
     auto &self = *static_cast<Document *>(cookie);
+    std::uint32_t answer = 0;
     try {
         if (code == HOST_NOTIFY_FONT) {
-            const std::uint32_t number = self.fonts_.add(*static_cast<const MifFontRecord *>(data));
-            self.noteAnnouncement();
-            return number;
-        }
-        if (code == HOST_NOTIFY_FILE_ACCESS) {
+            answer = self.fonts_.add(*static_cast<const MifFontRecord *>(data));
+            if (self.failure_ == nullptr) { // the reader goes on to its next read behind an announcement too many
+                self.addWork(DocumentOptions::announcedFont);
+            }
+        } else if (code == HOST_NOTIFY_FILE_ACCESS) {
             self.fileAccess_ = *static_cast<const MifFileAccess *>(data);
         }
     } catch (...) {
         self.failure_ = std::current_exception();
     }
-    return 0;
+    return answer;
 }
 
 } // namespace mifhost

@@ -398,7 +398,7 @@ void Batch::convertTo(Job &job, Output &output)
     const std::uint64_t outputLimit =
         options_.maxOutput > 0 ? options_.maxOutput : std::max(outputAlways, outputRatio * stream.size());
     DocumentProgress progress(progress_, stream.size());
-    Conversion conversion(document, output, job.input->result, claims_, {outputLimit},
+    Conversion conversion(document, output, job.input->result, claims_, outputLimit,
                           [&progress](int percent) { progress.reach(percent); });
     try {
         command_.convert(conversion);

@@ -47,8 +47,8 @@ void addReaderLosses(const mifhost::Document &document, std::vector<std::string>
 } // namespace
 
 Conversion::Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, Claims &claims,
-                       const Limits &limits, Progress progress)
-    : document_(document), output_(output), folder_(std::move(folder)), claims_(claims), limits_(limits),
+                       std::uint64_t limit, Progress progress)
+    : document_(document), output_(output), folder_(std::move(folder)), claims_(claims), limit_(limit),
       progress_(std::move(progress)), charset_(document.isExtended()), outputStart_(output.size())
 {
 }
@@ -73,12 +73,12 @@ void Conversion::keepGoing(std::uint64_t bytesElsewhere)
 {
     bytesElsewhere_ += bytesElsewhere;
     const std::uint64_t written = output_.size() - outputStart_ + bytesElsewhere_;
-    if (written > limits_.output) {
+    if (written > limit_) {
         std::string &text = output_.text();
-        const std::uint64_t excess = std::min<std::uint64_t>(written - limits_.output, text.size());
+        const std::uint64_t excess = std::min<std::uint64_t>(written - limit_, text.size());
         text.resize(text.size() - static_cast<std::size_t>(excess));
         throw mifhost::LimitReached(document_.name(), document_.bytesRead(),
-                                    fmt::format("the output limit of {} bytes is reached", limits_.output));
+                                    fmt::format("the output limit of {} bytes is reached", limit_));
     }
     output_.writeFullBlocks();
     throwIfInterrupted();

@@ -22,10 +22,6 @@ namespace mifread
 class Conversion
 {
 public:
-    struct Limits {
-        std::uint64_t output; // the most bytes that may be written
-    };
-
     // Told of progress: how much of the document is read, in whole percent, whenever it changes.
     using Progress = std::function<void(int percent)>;
 
@@ -33,8 +29,9 @@ public:
     // output    what the command writes to; it may hold parts of other documents
     // folder    where files that belong to the document go
     // claims    of all files of the run
+    // limit     the most bytes that may be written
     Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, Claims &claims,
-               const Limits &limits, Progress progress);
+               std::uint64_t limit, Progress progress);
 
     // Returns the document's next token, null at its end, and writes what the output has collected. Throws as
     // Document::next() does, and LimitReached when too much was written, OutputError, Interrupted.
@@ -79,7 +76,7 @@ private:
     Output &output_;
     std::filesystem::path folder_;
     Claims &claims_;
-    Limits limits_;
+    std::uint64_t limit_;
     Progress progress_;
     mifhost::TextConverter charset_;
     std::vector<std::string> losses_;

@@ -46,6 +46,14 @@ const std::map<std::string, std::uint32_t> encodings = {{"auto", MIF_ENCODING_AU
 const CLI::Validator isPositive([](const std::string &value) { return value == "0" ? "must be more than 0" : ""; }, "");
 const CLI::Validator isNotEmpty([](const std::string &value) { return value.empty() ? "must not be empty" : ""; }, "");
 
+// Adds an option whose value is a number of bytes, as such or with a unit.
+template <typename Size>
+CLI::Option *addSize(CLI::App &command, const char *name, Size &value, const char *description)
+{
+    CLI::Option *option = command.add_option(name, value, description);
+    return option->type_name("SIZE")->transform(CLI::AsSizeValue(false).description(""));
+}
+
 // Adds a command that takes one document.
 CLI::App *addCommand(CLI::App &program, const char *name, const char *description, Options &options)
 {
@@ -57,29 +65,17 @@ CLI::App *addCommand(CLI::App &program, const char *name, const char *descriptio
     command->add_option("-o,--output", options.output, "Write to this file instead of standard output")
         ->type_name("FILE")
         ->check(isNotEmpty);
-    command
-        ->add_option("--max-memory", options.maxMemory,
-                     "The most memory that reading a document may take; 1G if not given")
-        ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""))
+    addSize(*command, "--max-memory", options.maxMemory,
+            "The most memory that reading a document may take; 1G if not given")
         ->check(isPositive);
-    command
-        ->add_option("--max-output", options.maxOutput,
-                     "The most that may be written for a document; 100 times its size, but at least 64M, if not given")
-        ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""))
+    addSize(*command, "--max-output", options.maxOutput,
+            "The most that may be written for a document; 100 times its size, but at least 64M, if not given")
         ->check(isPositive);
-    command
-        ->add_option("--max-work", options.maxWork,
-                     "The most bytes that may be read and turned into tokens for a document; 200 times its size, but "
-                     "at least 256M, if not given")
-        ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""))
+    addSize(*command, "--max-work", options.maxWork,
+            "The most bytes that may be read and turned into tokens for a document; 200 times its size, but at least "
+            "256M, if not given")
         ->check(isPositive);
-    command
-        ->add_option("--max-input", options.maxInput, "The largest document to be read; 2G less one byte if not given")
-        ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""))
+    addSize(*command, "--max-input", options.maxInput, "The largest document to be read; 2G less one byte if not given")
         ->check(isPositive);
     command
         ->add_option("--timeout", options.timeout,
@@ -87,9 +83,7 @@ CLI::App *addCommand(CLI::App &program, const char *name, const char *descriptio
                      "documents, any for one")
         ->type_name("SECONDS")
         ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
-    command->add_option("--buffer", options.bufferSize, "The reader's token buffer, 65536 bytes if not given")
-        ->type_name("SIZE")
-        ->transform(CLI::AsSizeValue(false).description(""))
+    addSize(*command, "--buffer", options.bufferSize, "The reader's token buffer, 65536 bytes if not given")
         ->check(CLI::Range(std::uint32_t{1}, mifhost::DocumentOptions::largestBuffer));
     command
         ->add_option("--encoding", options.encoding,

@@ -75,7 +75,6 @@ private:
 
     void beginPage(const mifhost::Token *first);
     void writeLineBreak();
-    void writeTab();
     void writeFrame(const mifhost::Frame &frame);
     void addLeader(Leader leader);
     void writeLeaders();
@@ -83,7 +82,6 @@ private:
     void closeParagraph();
     void openRun();
     void closeRun();
-    Column currentColumn() const;
 
     std::string title_;
     mifhost::TextConverter &charset_;

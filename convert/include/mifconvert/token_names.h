@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 
 #include "mifhost/token.h"
@@ -48,6 +49,15 @@ template <typename Names, typename Enum>
 constexpr std::string_view nameOf(const Names &names, Enum value)
 {
     return names[static_cast<std::size_t>(value)];
+}
+
+// A kind of token that tells nothing but that it is there.
+template <typename Kind>
+concept EmptyToken = std::is_empty_v<Kind>;
+
+constexpr std::string_view tokenName(const mifhost::Token &token)
+{
+    return tokenNames[token.index()];
 }
 
 } // namespace mifconvert

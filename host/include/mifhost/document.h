@@ -1,4 +1,11 @@
-// The conversion of one document.
+// The conversion of one document: a stream goes in and tokens come out. This is the header that most hosts need; it
+// brings those of all that it is made of. What ends before the document does is an exception (error.h), and all that
+// can be read is handed out before it:
+//
+//   try {
+//       mifhost::Document document(stream, {.memoryLimit = 64 << 20});
+//       while (const mifhost::Token *token = document.next()) { ... }
+//   } catch (const mifhost::LimitReached &) { ... } // the rest needs more
 #ifndef MIFHOST_DOCUMENT_H
 #define MIFHOST_DOCUMENT_H
 
@@ -21,21 +28,27 @@
 namespace mifhost
 {
 
+// What a document may use up. All limits are the document's own, however many are read at once.
 struct DocumentOptions {
-    // What the reader can be told of.
+    // The largest buffer, in bytes, that the reader can be told of: 4 GiB less one byte.
     static constexpr std::uint32_t largestBuffer = std::numeric_limits<std::uint32_t>::max();
 
     // The buffer for tokens in bytes, 1 to largestBuffer. It must hold the largest token; the default does for every
-    // document but the strangest.
+    // document but the strangest. The tokens are the same whatever it is; a document that has a larger one ends with
+    // LimitReached.
     std::uint32_t bufferSize = 64 * 1024;
 
-    // The most memory in bytes that the reader may use for the document, as Memory counts it; 0 means no limit.
+    // The most memory in bytes that the reader may use for the document, as Memory counts it; 0 means no limit. What
+    // the host itself takes, such as the buffer and the fonts, is not in it.
     std::size_t memoryLimit = 0;
 
     // The most work that the reader may do for the document, in bytes; 0 means no limit. The bytes that it reads are
     // counted, again whenever it reads them again, those of its tokens, and announcedFont for each announcement of a
     // font. The same document takes the same work at all times.
     std::uint64_t workLimit = 0;
+
+    // The work of one announcement, in bytes: about the size of its record. It keeps fonts that give no tokens from
+    // being free.
     static constexpr std::uint64_t announcedFont = 64;
 
     // Whether to have the extended stream, where the plug-in offers it; and what the document's bytes above 0x7F are, a
@@ -43,26 +56,35 @@ struct DocumentOptions {
     bool isExtended = false;
     std::uint32_t encoding = MIF_ENCODING_AUTO;
 
-    // Called at every read of the reader, also of those within one long call, and after every call that gave tokens. It
-    // may throw to end the conversion: next() or Object::read() throws it on.
+    // For deadlines, progress and cancelling. Called on the thread that reads the document: at every read of the
+    // reader, also of those within one long call, and after every call that gave tokens. It may throw anything to end
+    // the conversion: next() or Object::read() throws it on. It must not ask the document for tokens, but may ask how
+    // far it is.
     std::function<void()> proceed{};
 };
 
-// Reads one document from its beginning, token by token, and owns all that the reader needs for it.
+// Reads one document from its beginning, token by token, and owns all that the reader needs for it: once through, there
+// is no way back, but a second Document may read the stream when the first is gone. Used by one thread at a time;
+// documents of different streams are independent of each other.
 class Document
 {
 public:
-    // stream  the document, from its start; nobody else moves it while the Document lives
-    // plugin  the reader; without it the one that the program is linked with
-    // Throws LimitReached when memory is exhausted, PluginError when the plug-in breaks its interface.
+    // stream   the document, read from its start wherever it stands; must outlive the Document, which watches its
+    //          reads; nobody else may move its position meanwhile
+    // plugin   the reader, which must outlive the Document; without it the one that the program is linked with
+    // options  copied
+    // Throws LimitReached when memory is exhausted, PluginError when the plug-in breaks its interface, std::bad_alloc
+    // when there is no memory for the buffer. Nothing is read yet, so that what is no MIF shows at next().
     explicit Document(Stream &stream, const DocumentOptions &options = {});
     Document(const Plugin &plugin, Stream &stream, const DocumentOptions &options = {});
     Document(const Document &) = delete;
     Document &operator=(const Document &) = delete;
+    // Gives the reader's memory back, at whatever point the reading is. No Object may be open.
     ~Document();
 
-    // Returns the next token, or null when the document has no more. Token and views are valid until the next call.
-    // Throws, once the tokens before the failure are handed out,
+    // Returns the next token, or null when the document has no more, and at every further call. Token and views are
+    // valid until the next call. One call may read much of the document, when little of it is text. Throws, once the
+    // tokens before the failure are handed out,
     //   NotMif        before the first token: the reader refuses the document
     //   IoError       the stream cannot be read, or became shorter
     //   LimitReached  the limit of memory or work was hit, the heap is exhausted, or a token is larger than the buffer
@@ -71,7 +93,7 @@ public:
     // and then the same again. While an Object of the document is open it throws std::logic_error and does nothing.
     const Token *next();
 
-    // What messages call the document.
+    // What messages call the document: the name of its stream.
     const std::string &name() const noexcept
     {
         return stream_.name();
@@ -83,29 +105,32 @@ public:
         return isExtended_;
     }
 
-    // The size of the document in bytes.
+    // The size of the document in bytes, as the stream found it when it was made.
     std::uint64_t size() const noexcept
     {
         return stream_.size();
     }
 
-    // How much of the document has been read: whole percent as the reader tells it, 0 to 100, and bytes.
+    // How much of the document has been read, in whole percent as the reader tells it, rounded down: 0 to 100. It never
+    // falls, and is 100 only when all tokens are there, of which some may still be handed out.
     int percent() const noexcept
     {
         return percent_;
     }
+    // The same in bytes: how far the reader has ever come, 0 to size(). It reads ahead in blocks.
     std::uint64_t bytesRead() const noexcept
     {
         return check_.bytesSeen();
     }
 
-    // The fonts announced so far.
+    // The fonts announced so far, which include those of all tokens handed out. Valid as long as the document; so are
+    // the accounts and the check, and all of them change with next() and Object alone.
     const FontRegistry &fonts() const noexcept
     {
         return fonts_;
     }
 
-    // The accounts of the reader's memory.
+    // The accounts of the reader's memory, which begin with its context.
     const Memory &memory() const noexcept
     {
         return memory_;
@@ -120,33 +145,42 @@ public:
 private:
     friend class Object;
 
+    // The reader's notifications, which come within its calls. What fails here is kept in failure_.
     static std::uint32_t notify(void *cookie, std::uint32_t code, void *data) noexcept;
+    // Has the reader convert the next piece of the document.
     void fill();
+    // Throws what a call of mifFillBuffer failed of: by its result, or by what the stream and the memory met meanwhile.
     void checkResult(std::int32_t result, std::uint32_t written, std::int32_t percent) const;
+    // Takes account of bytes that the reader reads, before it gets them.
     void watchRead(std::uint64_t position, std::span<const std::uint8_t> bytes);
+    // Throws LimitReached when the document has taken more than the work limit with these bytes.
     void addWork(std::uint64_t bytes);
-    void noteAnnouncement() noexcept;
+    // Calls what the options gave, if anything.
     void proceed() const;
+    // Tells why the reader refused the document, from its first bytes.
     [[noreturn]] void throwRefusal() const;
-    void throwPendingError() const;
+    // Throws LimitReached when the reader was refused memory.
     void requireMemory() const;
 
     Stream &stream_;
     MifReaderInterface reader_;
     Memory memory_;
     FontRegistry fonts_;
-    SourceCheck check_;
-    MifFileAccess fileAccess_{}; // the operations on embedded objects; null where the reader offers none
+    SourceCheck check_; // sees every read
+    // Sent by mifInitDoc; null where the reader offers no objects.
+    MifFileAccess fileAccess_{};
     bool objectIsOpen_ = false;
     bool isExtended_ = false;
-    std::uint64_t work_ = 0;
+    std::uint64_t work_ = 0; // bytes, as DocumentOptions::workLimit counts them
     std::uint64_t workLimit_;
     std::function<void()> proceed_;
     std::uint32_t bufferSize_;
+    // Of bufferSize_ bytes; the decoder's views point into it.
     std::unique_ptr<std::uint8_t[]> buffer_;
     TokenDecoder decoder_;
     int percent_ = 0;
-    bool finished_ = false;
+    bool finished_ = false; // the reader has no more tokens than those at hand
+
     std::exception_ptr failure_; // thrown when the tokens at hand are used up
     // Last, so that the context goes before the memory that it lives in.
     std::unique_ptr<MifContext, std::int32_t (*)(MifContext *)> context_;
