@@ -69,7 +69,7 @@ std::string page(Bytes bytes, bool takesOften)
         out.clear();
     };
     mifconvert::HtmlWriter writer(
-        "a & b.mif", fonts, charset, [&](const mifhost::Frame &) { out += shownFrame; }, out);
+        "a & b.mif", fonts, charset, [](const mifhost::Frame &, std::string &shown) { shown += shownFrame; }, out);
     writeTokens(bytes, [&](const mifhost::Token &token) {
         writer.write(token);
         if (takesOften) {

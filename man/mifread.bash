@@ -29,7 +29,7 @@ _mifread()
     $split && return
 
     local single='--help --output --max-memory --max-output --max-work --max-input --timeout --buffer --encoding --plugin'
-    local many="$single --directory --files-from --null --recursive --jobs --fail-fast --dry-run --report --quiet"
+    local many="$single --directory --files-from --null --recursive --jobs --plain --fail-fast --dry-run --report --quiet"
     local batch="$many --update"
     local -A options=(
         [text]=$batch

@@ -7,7 +7,7 @@ source "$(dirname -- "$0")/support/cli.sh"
 mkdir -p in/a/b empty
 cp "$examples/letter.mif" in/a/b/one.MIF
 cp "$examples/handbook.mif" in/a/two.mif
-cp "$documents/text.mif" in/text.mif
+cp "$documents/formats.mif" in/text.mif
 echo 'no document' >in/a/notes.txt
 expect() { "$mifread" text "$1" 2>/dev/null; }
 
@@ -87,7 +87,7 @@ says '"exitCode": 3' report.json
 "$mifread" text in/text.mif missing -o result 2>&-; [ $? -eq 1 ] && expect in/text.mif | cmp - result || fail 'closed'
 
 # Objects of several documents, each in its own folder.
-run 0 '2 documents' objects "$documents"/{objects,tables}.mif -d objects
+run 0 '2 documents' objects --plain "$documents"/{objects,tables}.mif -d objects
 diff -r objects/objects "$documents/objects" || fail 'objects of several documents'
 [ "$(grep -c '^ID' out)" -eq 1 ] || fail 'one heading'
 cut -f 6 out | tail -n +2 | xargs ls >/dev/null || fail 'the paths of the objects'

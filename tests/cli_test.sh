@@ -53,7 +53,7 @@ run 4 'book: .*a book' text book
 run 4 'pdf: .*type is application/pdf$' text pdf
 run 1 'truncated.mif: byte [0-9]+: .*ends inside' text truncated.mif; says one out
 run 1 'long.mif: byte [0-9]+: .*4096' text long.mif; says two out
-run 1 'undefined.mif: .*Windows-1252' text undefined.mif
+run 1 'undefined.mif: .*Windows-1252' text --plain undefined.mif
 run 5 'good.mif: .*buffer' text --buffer 37 good.mif
 for command in text html json info tokens 'objects -d none'; do
     run 5 'good.mif: .*memory limit' $command --max-memory 12K good.mif
@@ -95,7 +95,7 @@ run 0 '' tokens "$letter"
 [ "$(head -1 out)" = 'page-setup width=12240 height=15840 left=1440 top=1440 right=1440 bottom=1440' ] || fail 'tokens'
 
 # Embedded objects, byte for byte.
-run 0 '' objects "$documents/objects.mif" -d objects
+run 0 '' objects --plain "$documents/objects.mif" -d objects
 diff -r objects "$documents/objects" || fail 'the objects'
 [ "$(wc -l <out)" -eq $(($(ls objects | wc -l) + 1)) ] || fail 'the list of objects'
 run 4 'random' objects random -d none; [ ! -e none ] || fail 'an empty folder'

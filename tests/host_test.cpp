@@ -280,33 +280,3 @@ TEST(FileStream, OpensFilesAndSaysWhyNot)
         EXPECT_TRUE(delivered == 0 || byte == static_cast<uint8_t>(text[position])) << position;
     }
 }
-
-TEST(SourceCheck, SeesWhatTheReaderCannotTell)
-{
-    const auto check = [](const std::string &text, size_t piece) {
-        mifhost::MemoryStream stream(bytesOf(text), "name");
-        mifhost::SourceCheck result;
-        for (size_t position = 0; position < text.size(); position += piece) {
-            const std::string part = text.substr(position, piece);
-            result.feed(position, bytesOf(part));
-            result.feed(position / 2, bytesOf(part.substr(0, 1))); // seen before
-        }
-        return result;
-    };
-    const std::string whole = documentOf("<Para <String `a > \\> <'> # <b\n stray <c\n>");
-    const std::string cut = documentOf("<Para") + "<Para <String `a";
-    const std::string lengthy = documentOf("<String `" + std::string(4090, 'x') + "'> <Para <String `y'>>");
-    std::string zeros = documentOf("<String `a@b@c'> <Unknown @> <String `@'>");
-    std::replace(zeros.begin(), zeros.end(), '@', '\0');
-    for (const size_t piece : {size_t{1}, size_t{7}, size_t{100000}}) {
-        EXPECT_EQ(check(zeros, piece).cutStrings(), 2U);
-        EXPECT_EQ(check(zeros, piece).firstCut(), zeros.find('\0'));
-        EXPECT_EQ(check(whole, piece).cutStrings(), 0U);
-        EXPECT_EQ(check(whole, piece).droppedStatements(), 0U);
-        EXPECT_EQ(check(cut, piece).openStatements(), 3U);
-        EXPECT_EQ(check(cut, piece).innermostOpen(), cut.size() - 10);
-        EXPECT_EQ(check(lengthy, piece).openStatements(), 0U);
-        EXPECT_EQ(check(lengthy, piece).droppedStatements(), 1U);
-        EXPECT_EQ(check(lengthy, piece).firstDropped(), lengthy.find("<String"));
-    }
-}

@@ -48,7 +48,8 @@ std::string pageOf(const std::vector<Token> &tokens, const std::string &name = "
     TextConverter charset;
     std::string page;
     mifconvert::HtmlWriter writer(
-        name, fonts, charset, [&page](const Frame &frame) { page.append("[").append(frame.id).append("]"); }, page);
+        name, fonts, charset,
+        [](const Frame &frame, std::string &out) { out.append("[").append(frame.id).append("]"); }, page);
     for (const Token &token : tokens) {
         writer.write(token);
     }

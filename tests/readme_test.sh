@@ -8,4 +8,4 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 sed -n '/^```cpp$/,/^```$/p' "$readme" | sed '/^```/d' >"$folder/example.cpp"
 "$compiler" "$folder/example.cpp" -o "$folder/example" "$@"
-diff <("$folder/example" "$document") <("$mifread" text "$document")
+diff <("$folder/example" "$document") <("$mifread" text --plain "$document")

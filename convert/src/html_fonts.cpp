@@ -177,13 +177,14 @@ void FontStyles::styleNewFonts()
 
 std::uint32_t pageFontSize(std::uint32_t size)
 {
-    const bool isStated = size != 0 && size <= std::numeric_limits<std::int32_t>::max();
+    const bool isStated = size != 0 && size <= std::numeric_limits<std::int32_t>::max(); // and not negative
     return isStated ? std::min(size, largestFontSize) : defaultFontSize;
 }
 
 void appendFontRules(std::string &out)
 {
-    fmt::format_to(std::back_inserter(out), "body{{font:{}pt/1.2 {}}}\n", defaultFontSize, fontClasses[0].families);
+    fmt::format_to(std::back_inserter(out), "body{{font:{}pt/1.2 {}}}\n", defaultFontSize / twipsToThePoint,
+                   fontClasses[0].families);
     for (const FontClass &row : fontClasses) {
         fmt::format_to(std::back_inserter(out), ".{}{{font-family:{}}}\n", row.name, row.families);
     }
@@ -201,8 +202,7 @@ std::int64_t estimateWidth(std::string_view bytes, FontShape shape, std::uint32_
             thousandths += index < widths.size() ? widths[index] : otherWidth;
         }
     }
-    constexpr std::int64_t twipsToThePoint = 20;
-    return thousandths * size * twipsToThePoint / 1000;
+    return thousandths * size / 1000;
 }
 
 } // namespace mifconvert

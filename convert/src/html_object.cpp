@@ -45,9 +45,11 @@ std::string safeName(std::string_view id)
     return name;
 }
 
+} // namespace
+
 // A picture keeps its shape where the page is narrower than it; a measure that the document does not state is the
 // picture's own.
-void appendSize(const mifhost::Frame &frame, std::string &out)
+void appendFrameSize(const mifhost::Frame &frame, std::string &out)
 {
     const std::int32_t width = clampMeasure(frame.width, 0, largestMeasure);
     const std::int32_t height = clampMeasure(frame.height, 0, largestMeasure);
@@ -68,8 +70,6 @@ void appendSize(const mifhost::Frame &frame, std::string &out)
     out += '"';
 }
 
-} // namespace
-
 HtmlObject::HtmlObject(const mifhost::Frame &frame, std::string_view mimeType, std::string_view extension,
                        std::string &out)
     : out_(out)
@@ -80,14 +80,14 @@ HtmlObject::HtmlObject(const mifhost::Frame &frame, std::string_view mimeType, s
     if (!picture.empty()) {
         fmt::format_to(std::back_inserter(out), "<img{} alt=\"{}.{}\"", alone ? " class=\"alone\"" : "", name,
                        extension);
-        appendSize(frame, out);
+        appendFrameSize(frame, out);
         fmt::format_to(std::back_inserter(out), " src=\"data:{};base64,", picture);
         end_ = "\">";
         return;
     }
     fmt::format_to(std::back_inserter(out), "<a class=\"object{}\" download=\"{}.{}\"", alone ? " alone" : "", name,
                    extension);
-    appendSize(frame, out);
+    appendFrameSize(frame, out);
     out += " href=\"data:application/octet-stream;base64,";
     end_ = "\">";
     appendHtmlName(mimeType, end_);

@@ -17,7 +17,7 @@ namespace
 
 // Nothing is loaded, and no script runs, whatever comes into the page.
 constexpr std::string_view securityPolicy =
-    "default-src 'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'";
+    "default-src 'none'; style-src 'unsafe-inline'; img-src data: 'self' file:; base-uri 'none'; form-action 'none'";
 
 std::string points(std::int64_t twips, std::string_view unit = "pt")
 {
@@ -92,13 +92,32 @@ Column columnOf(const PageLayout &page)
     return {page.width - page.leftMargin - page.rightMargin, page.leftMargin, page.rightMargin};
 }
 
-void appendPageHead(std::string_view title, const PageLayout &page, std::string &out)
+bool isLanguage(std::string_view language)
 {
-    out += "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n";
+    return !language.empty() && std::all_of(language.begin(), language.end(), [](char byte) {
+        const bool isLetter = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+        return isLetter || (byte >= '0' && byte <= '9') || byte == '-';
+    });
+}
+
+void appendPageHead(std::string_view title, std::string_view language, std::string_view author, const PageLayout &page,
+                    std::string &out)
+{
+    out += "<!DOCTYPE html>\n<html";
+    if (isLanguage(language)) {
+        out.append(" lang=\"").append(language).append("\"");
+    }
+    out += ">\n<head>\n<meta charset=\"utf-8\">\n";
     out.append("<meta http-equiv=\"Content-Security-Policy\" content=\"").append(securityPolicy).append("\">\n");
     out += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>";
     appendHtmlName(title.empty() ? "MIF" : title, out);
-    out += "</title>\n<style>\n";
+    out += "</title>\n";
+    if (!author.empty()) {
+        out += "<meta name=\"author\" content=\"";
+        appendHtmlAttribute(author, out);
+        out += "\">\n";
+    }
+    out += "<style>\n";
     appendStyleSheet(page, out);
     out += "</style>\n</head>\n<body>\n";
 }

@@ -15,13 +15,14 @@ namespace mifconvert
 namespace
 {
 
-// Letters above this size, in points, can be wider than a window.
-constexpr std::uint32_t largestCommonSize = 72;
+// Letters above this size, in twips, can be wider than a window.
+constexpr std::uint32_t largestCommonSize = 72 * twipsToThePoint;
 
 // The classes of the style sheet, in the order of the enumerations' values.
 constexpr std::array<std::string_view, 4> alignmentClasses = {"", "right", "center", "justify"};
 constexpr std::array<std::string_view, 3> spacingClasses = {"", "half", "double"};
-constexpr std::array<std::string_view, 8> modeClasses = {"b", "i", "u", "s", "sup", "sub", "small", "upper"};
+constexpr std::array<std::string_view, 12> modeClasses = {"b",     "i",     "u", "s",  "sup", "sub",
+                                                          "small", "upper", "o", "uu", "u",   "lower"};
 
 // The attributes of a tag under construction.
 class Attributes
@@ -43,6 +44,12 @@ public:
         begin(style, ";");
         out_.append(property).append(":");
         appendPoints(twips, out_, "");
+    }
+    void addLength(std::string_view property, std::int64_t twips)
+    {
+        begin(style, ";");
+        out_.append(property).append(":");
+        appendPoints(twips, out_);
     }
     template <typename... Fields>
     void addStyle(fmt::format_string<Fields...> format, Fields &&...fields)
@@ -75,6 +82,11 @@ private:
     std::string_view open_;
 };
 
+double inPoints(std::uint32_t size)
+{
+    return static_cast<double>(size) / twipsToThePoint;
+}
+
 // Adds what the properties of characters have different from those around them.
 void addFontStyle(const CharacterFormat &format, const CharacterFormat &around, std::string_view families,
                   Attributes &attributes)
@@ -85,9 +97,9 @@ void addFontStyle(const CharacterFormat &format, const CharacterFormat &around, 
     if (pageFontSize(format.size) != pageFontSize(around.size)) {
         const std::uint32_t size = pageFontSize(format.size);
         if (size > largestCommonSize) {
-            attributes.addStyle("font-size:min({}pt,40vw)", size);
+            attributes.addStyle("font-size:min({}pt,40vw)", inPoints(size));
         } else {
-            attributes.addStyle("font-size:{}pt", size);
+            attributes.addStyle("font-size:{}pt", inPoints(size));
         }
     }
     if (format.color != around.color) {
@@ -113,10 +125,15 @@ void appendParagraphTag(const ParagraphFormat &format, const Column &column, Fon
 {
     const FontStyle &font = fonts.find(format.characters.font);
     out += "<p";
+    if (!format.language.empty()) {
+        out.append(" lang=\"").append(format.language).append("\"");
+    }
     Attributes attributes(out);
     if (font.className != pageFontClass) {
         attributes.addClass(font.className);
     }
+    attributes.addClass(format.beginsPage ? "newpage" : "");
+    attributes.addClass(format.keepsWithNext ? "keep" : "");
     attributes.addClass(alignmentClasses[static_cast<std::size_t>(format.alignment)]);
     attributes.addClass(spacingClasses[static_cast<std::size_t>(format.spacing)]);
     const LineEdges &edges = format.edges;
@@ -129,13 +146,24 @@ void appendParagraphTag(const ParagraphFormat &format, const Column &column, Fon
     if (edges.first != edges.left) {
         attributes.addPoints("--f", edges.first - edges.left);
     }
+    if (format.spaceAbove != 0) {
+        attributes.addLength("margin-top", format.spaceAbove);
+    }
+    if (format.spaceBelow != 0) {
+        attributes.addLength("margin-bottom", format.spaceBelow);
+    }
     addFontStyle(format.characters, {}, font.families, attributes);
     attributes.end();
 }
 
-void appendRunTag(const CharacterFormat &run, const CharacterFormat &paragraph, FontStyles &fonts, std::string &out)
+void appendRunTag(const CharacterFormat &run, const CharacterFormat &paragraph, FontStyles &fonts, std::string &out,
+                  std::string_view link)
 {
-    out += "<span";
+    if (link.empty()) {
+        out += "<span";
+    } else {
+        out.append("<a href=\"").append(link).append("\"");
+    }
     Attributes attributes(out);
     for (std::size_t i = 0; i < modeClasses.size(); ++i) {
         if ((run.modes >> i & 1U) != 0) {

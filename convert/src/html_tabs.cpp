@@ -43,10 +43,19 @@ std::int64_t narrowStart(const LineEdges &edges, std::int64_t start)
 
 void TabLine::setStops(std::span<const mifhost::TabStop> stops)
 {
-    stops_.assign(stops.begin(), stops.end());
-    std::stable_sort(stops_.begin(), stops_.end(), [](const mifhost::TabStop &one, const mifhost::TabStop &other) {
-        return one.position < other.position;
-    });
+    stops_.clear();
+    for (const mifhost::TabStop &stop : stops) {
+        stops_.push_back({stop, stops_.size(), false});
+    }
+    std::stable_sort(stops_.begin(), stops_.end(),
+                     [](const Stop &one, const Stop &other) { return one.position < other.position; });
+}
+
+void TabLine::setLeaders(std::span<const std::string_view> leaders)
+{
+    for (Stop &stop : stops_) {
+        stop.hasLeader = stop.number < leaders.size() && !leaders[stop.number].empty();
+    }
 }
 
 void TabLine::begin(const LineEdges &edges, std::int32_t start)
@@ -93,7 +102,7 @@ void TabLine::tab()
         position = edges_.left + (position - edges_.left) % (edges_.right - edges_.left);
     }
     const std::size_t index = stopBeyond(position);
-    const std::optional<mifhost::TabStop> stop = takeStop(index, position);
+    const std::optional<Stop> stop = takeStop(index, position);
     // Text that wraps can stand in the box of a right tab only, where it wraps on its own.
     if (!stop || (wraps && stop->kind != mifhost::TabKind::Right)) {
         leaveTab();
@@ -151,12 +160,12 @@ void TabLine::openTag(std::string_view name, std::int64_t width)
     }
 }
 
-void TabLine::openBox(const mifhost::TabStop &stop, bool wraps)
+void TabLine::openBox(const Stop &stop, bool wraps)
 {
     const std::int64_t width = stop.position - start_;
     const std::int64_t before = width_;
     if (stop.kind == mifhost::TabKind::Right) {
-        openRightBox(width, wraps);
+        openRightBox(width, wraps, stop.hasLeader);
     } else {
         openTag(leftBox, width);
         out_ += "\">";
@@ -187,12 +196,12 @@ void TabLine::openCenterBox(std::int64_t width, std::int64_t before)
 
 // Text does not shrink with the window, so the boxes before this one may be wider than their share of the line. --x is
 // by how much, where measures shrink to the half; the box gives way by it.
-void TabLine::openRightBox(std::int64_t width, bool wraps)
+void TabLine::openRightBox(std::int64_t width, bool wraps, bool hasLeader)
 {
     const std::int64_t excess = narrowStart_ - start_ / narrowing;
     narrowStart_ += std::max(width_, width / narrowing - excess);
     state_ = State::Right;
-    const std::string_view boxOfText = wraps ? "tw" : "tr";
+    const std::string_view boxOfText = wraps || hasLeader ? "tw" : "tr";
     openTag(held_.empty() ? "th" : boxOfText, width);
     if (excess > 0) {
         appendMeasure(";--x", excess, out_);
@@ -204,16 +213,15 @@ void TabLine::openRightBox(std::int64_t width, bool wraps)
     }
     out_ += "\"><span>";
     release();
-    out_ += "</span>\t <span>";
+    out_ += hasLeader ? "</span><span class=\"dots\">\t </span><span>" : "</span>\t <span>";
     boxEnd_ = "</span></span>";
 }
 
 // Returns the index of the first stop beyond a position. Of several stops in one place, the next tab takes the next.
 std::size_t TabLine::stopBeyond(std::int64_t position) const
 {
-    const auto next =
-        std::upper_bound(stops_.begin(), stops_.end(), position,
-                         [](std::int64_t value, const mifhost::TabStop &stop) { return value < stop.position; });
+    const auto next = std::upper_bound(stops_.begin(), stops_.end(), position,
+                                       [](std::int64_t value, const Stop &stop) { return value < stop.position; });
     const auto index = static_cast<std::size_t>(next - stops_.begin());
     const bool isNextHere = firstStop_ > 0 && firstStop_ < index && stops_[firstStop_].position == position;
     return isNextHere ? firstStop_ : index;
@@ -221,16 +229,16 @@ std::size_t TabLine::stopBeyond(std::int64_t position) const
 
 // Returns the stop that a tab at a position goes to when the stop of an index is the first one beyond it. A right stop
 // beyond the line's end is taken at its end. In a hanging first line the left indent comes after the stops.
-std::optional<mifhost::TabStop> TabLine::takeStop(std::size_t index, std::int64_t position) const
+std::optional<TabLine::Stop> TabLine::takeStop(std::size_t index, std::int64_t position) const
 {
     if (index < stops_.size() && stops_[index].position < edges_.right) {
         return stops_[index];
     }
     if (index < stops_.size() && stops_[index].kind == mifhost::TabKind::Right && position < edges_.right) {
-        return mifhost::TabStop{mifhost::TabKind::Right, edges_.right};
+        return Stop{{mifhost::TabKind::Right, edges_.right}, 0, stops_[index].hasLeader};
     }
     if (position < edges_.left) {
-        return mifhost::TabStop{mifhost::TabKind::Left, edges_.left};
+        return Stop{{mifhost::TabKind::Left, edges_.left}, 0, false};
     }
     return std::nullopt;
 }

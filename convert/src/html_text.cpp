@@ -96,6 +96,19 @@ void appendHtmlName(std::string_view name, std::string &out)
     appendEscaped(valid, out, [&out](std::string_view run) { out += run; });
 }
 
+void appendHtmlAttribute(std::string_view text, std::string &out)
+{
+    std::string escaped;
+    appendHtmlName(text, escaped);
+    for (const char byte : escaped) {
+        if (byte == '"') {
+            out += "&quot;";
+        } else {
+            out += byte;
+        }
+    }
+}
+
 void appendCssString(std::string_view bytes, mifhost::TextConverter &charset, std::string &out)
 {
     out += '\'';

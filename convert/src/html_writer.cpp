@@ -1,6 +1,8 @@
 #include "mifconvert/html_writer.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <numeric>
 #include <utility>
 #include <variant>
@@ -15,6 +17,18 @@ namespace
 
 // More than any paragraph begins with in earnest.
 constexpr std::size_t mostLeaders = 16;
+
+constexpr std::int32_t largestSpace = 1440; // above and below a paragraph, twips
+
+constexpr std::uint32_t largestPoints = largestFontSize / twipsToThePoint;
+
+// What may come before the page's head is written.
+bool isOfHead(const mifhost::Token &token)
+{
+    return std::holds_alternative<mifhost::PageSetup>(token) || std::holds_alternative<mifhost::LineSpacing>(token) ||
+           std::holds_alternative<mifhost::Charset>(token) || std::holds_alternative<mifhost::DocumentField>(token) ||
+           std::holds_alternative<mifhost::PageSize>(token) || std::holds_alternative<mifhost::Loss>(token);
+}
 
 // Returns the distance of a table from the left edge of the page, in twips. The offset was computed from the indents
 // of the paragraph that holds the table. These need not be announced; where they are not, it is centred on the page,
@@ -34,14 +48,29 @@ std::int64_t tableStart(const mifhost::TableRow &row, const mifhost::ParaFormat 
 HtmlWriter::HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset,
                        ShowFrame showFrame, std::string &out)
     : title_(std::move(title)), charset_(charset), showFrame_(std::move(showFrame)), out_(out),
-      fonts_(fonts, charset.isUtf8()), table_(out), line_(out)
+      fonts_(fonts, charset.isUtf8()), line_(body_),
+      links_({.write = [this](const mifhost::Token &token) { process(token); },
+              .beginLink =
+                  [this](const std::string &target) {
+                      link_ = target;
+                      linkIsReference_ = false;
+                  },
+              .endLink = [this] { link_.clear(); }})
 {
 }
 
 void HtmlWriter::write(const mifhost::Token &token)
 {
-    if (!pageIsBegun_) {
-        beginPage(&token);
+    links_.write(token);
+    if (pageIsBegun_ && outers_.empty() && !cellIsCovered_) {
+        hand(out_);
+    }
+}
+
+void HtmlWriter::process(const mifhost::Token &token)
+{
+    if (!pageIsBegun_ && !isOfHead(token)) {
+        beginPage();
     }
     if (lineBreakPending_) {
         lineBreakPending_ = false;
@@ -52,24 +81,32 @@ void HtmlWriter::write(const mifhost::Token &token)
     std::visit([this](const auto &kind) { put(kind); }, token);
 }
 
+void HtmlWriter::hand(std::string &out)
+{
+    out += body_;
+    body_.clear();
+}
+
 void HtmlWriter::finish()
 {
+    links_.finish();
     if (!pageIsBegun_) {
-        beginPage(nullptr);
+        beginPage();
     }
     closeParagraph();
-    table_.end();
+    table_->end();
+    while (!outers_.empty()) { // of a stream that is cut
+        leave();
+    }
+    finishNotes();
+    hand(out_);
     appendPageEnd(out_);
 }
 
-// The page's measures are in its head, so only those that come first count.
-void HtmlWriter::beginPage(const mifhost::Token *first)
+// The page's measures and what the document says of itself are in its head, so only what comes first counts.
+void HtmlWriter::beginPage()
 {
-    const auto *setup = first != nullptr ? std::get_if<mifhost::PageSetup>(first) : nullptr;
-    if (setup != nullptr) {
-        page_ = layoutOf(*setup);
-    }
-    appendPageHead(title_, page_, out_);
+    appendPageHead(title_, language_, author_, page_, out_);
     pageIsBegun_ = true;
 }
 
@@ -78,12 +115,17 @@ void HtmlWriter::put(const mifhost::Text &text)
     if (text.bytes.empty()) {
         return;
     }
+    writeText(text.bytes);
+}
+
+void HtmlWriter::writeText(std::string_view text)
+{
     openParagraph();
     openRun();
-    appendHtmlText(text.bytes, charset_, line_.text());
+    appendHtmlText(text, charset_, line_.text());
     lineIsEmpty_ = false;
     if (line_.isMeasured()) {
-        line_.advance(estimateWidth(text.bytes, fonts_.find(characters_.font).shape, pageFontSize(characters_.size)));
+        line_.advance(estimateWidth(text, fonts_.find(characters_.font).shape, pageFontSize(characters_.size)));
     }
 }
 
@@ -105,7 +147,7 @@ void HtmlWriter::put(const mifhost::TabStops &tabStops)
 
 void HtmlWriter::put(const mifhost::Tab & /*tab*/)
 {
-    addLeader({true, {}, 0, 0, 0});
+    addLeader({LeaderKind::Tab, {}, 0, 0, 0});
 }
 
 void HtmlWriter::put(const mifhost::Attribute &attribute)
@@ -116,16 +158,19 @@ void HtmlWriter::put(const mifhost::Attribute &attribute)
 
 void HtmlWriter::put(const mifhost::TableRow &row)
 {
+    if (table_->hasRows()) { // and more is known of it
+        return;
+    }
     closeParagraph();
-    table_.end();
-    table_.begin(row.columnWidths, tableStart(row, paragraph_, page_) - page_.leftMargin, columnOf(page_));
+    table_->end();
+    table_->begin(row.columnWidths, tableStart(row, paragraph_, page_) - page_.leftMargin, columnOf(page_));
     paragraphGoesOn_ = false;
 }
 
 void HtmlWriter::put(const mifhost::TableEnd & /*end*/)
 {
     closeParagraph();
-    table_.end();
+    table_->end();
     paragraphGoesOn_ = true;
 }
 
@@ -133,8 +178,12 @@ void HtmlWriter::put(const mifhost::CellEnd & /*end*/)
 {
     closeParagraph();
     paragraphGoesOn_ = false;
-    if (table_.isOpen()) {
-        table_.endCell();
+    if (cellIsCovered_) {
+        cellIsCovered_ = false;
+        body_.clear();
+    }
+    if (table_->isOpen()) {
+        table_->endCell();
     }
 }
 
@@ -155,10 +204,16 @@ void HtmlWriter::put(const mifhost::LineBreak & /*lineBreak*/)
 void HtmlWriter::put(const mifhost::Font &font)
 {
     characters_.font = font.number;
-    characters_.size = font.size;
+    const bool isStated = font.size <= std::numeric_limits<std::int32_t>::max(); // and not negative
+    characters_.size = isStated ? std::min(font.size, largestPoints) * twipsToThePoint : 0;
 }
 
-void HtmlWriter::put(const mifhost::PageSetup & /*page*/) {}
+void HtmlWriter::put(const mifhost::PageSetup &page)
+{
+    if (!pageIsBegun_) {
+        page_ = layoutOf(page);
+    }
+}
 
 void HtmlWriter::put(const mifhost::LineSpacing &spacing)
 {
@@ -172,7 +227,7 @@ void HtmlWriter::put(const mifhost::TextColor &color)
 
 void HtmlWriter::put(const mifhost::Frame &frame)
 {
-    addLeader({false, std::string(frame.id), frame.width, frame.height, frame.kind});
+    addLeader({LeaderKind::Frame, std::string(frame.id), frame.width, frame.height, frame.kind});
 }
 
 void HtmlWriter::put(const mifhost::Charset & /*charset*/) {}
@@ -191,12 +246,22 @@ void HtmlWriter::addLeader(Leader leader)
 void HtmlWriter::writeLeaders()
 {
     for (const Leader &leader : leaders_) {
-        if (leader.isTab) {
+        switch (leader.kind) {
+        case LeaderKind::Tab:
             closeRun();
             line_.tab();
             lineIsEmpty_ = false;
-        } else {
-            writeFrame({leader.id, leader.width, leader.height, leader.kind});
+            break;
+        case LeaderKind::Frame:
+            writeFrame({leader.id, leader.width, leader.height, leader.frameKind});
+            break;
+        case LeaderKind::Place:
+            closeRun();
+            line_.text().append("<a id=\"").append(leader.id).append("\"></a>");
+            break;
+        case LeaderKind::Picture:
+            writePicture(leader);
+            break;
         }
     }
     leaders_.clear();
@@ -208,11 +273,18 @@ void HtmlWriter::writeFrame(const mifhost::Frame &frame)
     lineIsEmpty_ = false;
     if (!standsAlone(frame)) {
         line_.passBy(clampMeasure(frame.width, 0, largestMeasure));
-        showFrame_(frame);
+    } else {
+        line_.end();
+    }
+    // Its data go straight to the output, since they can be large.
+    const bool isHeld = !outers_.empty() || cellIsCovered_;
+    if (!isHeld) {
+        hand(out_);
+    }
+    showFrame_(frame, isHeld ? body_ : out_);
+    if (!standsAlone(frame)) {
         return;
     }
-    line_.end();
-    showFrame_(frame);
     line_.begin(edges_, edges_.left);
 }
 
@@ -221,7 +293,7 @@ void HtmlWriter::writeLineBreak()
     openParagraph();
     closeRun();
     line_.end();
-    out_ += "<br>";
+    body_ += "<br>";
     line_.begin(edges_, edges_.left);
     lineIsEmpty_ = true;
 }
@@ -232,10 +304,10 @@ void HtmlWriter::openParagraph()
     if (paragraphIsOpen_) {
         return;
     }
-    if (table_.isOpen()) {
-        table_.openCell();
+    if (table_->isOpen()) {
+        table_->openCell();
     }
-    const Column column = table_.isOpen() ? table_.cellColumn() : columnOf(page_);
+    const Column column = table_->isOpen() ? table_->cellColumn() : columnOf(page_);
     edges_ = edgesIn(column, paragraph_);
     if (paragraphGoesOn_) {
         edges_.first = edges_.left;
@@ -243,7 +315,17 @@ void HtmlWriter::openParagraph()
     paragraphCharacters_ = characters_;
     paragraphCharacters_.modes = 0;
     runCharacters_ = paragraphCharacters_;
-    appendParagraphTag({edges_, paragraph_.alignment, spacing_, paragraphCharacters_}, column, fonts_, out_);
+    runLink_.clear();
+    appendParagraphTag({.edges = edges_,
+                        .alignment = paragraph_.alignment,
+                        .spacing = spacing_,
+                        .characters = paragraphCharacters_,
+                        .spaceAbove = clampMeasure(format_.spaceAbove, 0, largestSpace),
+                        .spaceBelow = clampMeasure(format_.spaceBelow, 0, largestSpace),
+                        .beginsPage = format_.placement >= mifhost::Placement::Page,
+                        .keepsWithNext = format_.keepsWithNext,
+                        .language = isLanguage(formatLanguage_) && formatLanguage_ != language_ ? formatLanguage_ : ""},
+                       column, fonts_, body_);
     line_.begin(edges_, edges_.first);
     lineIsEmpty_ = false;
     paragraphIsOpen_ = true;
@@ -265,32 +347,46 @@ void HtmlWriter::closeParagraph()
     closeRun();
     line_.end();
     // A line break at the end of a paragraph shows nothing; an empty line of the document does.
-    out_ += lineIsEmpty_ ? "<br></p>\n" : "</p>\n";
+    body_ += lineIsEmpty_ ? "<br></p>\n" : "</p>\n";
     paragraphIsOpen_ = false;
+}
+
+// In the extended stream raised and lowered text has the size of the rest; a page shows it smaller.
+CharacterFormat HtmlWriter::shownCharacters() const
+{
+    CharacterFormat shown = characters_;
+    const std::uint32_t scripts = modeBit(mifhost::Mode::Superscript) | modeBit(mifhost::Mode::Subscript);
+    if (charset_.isUtf8() && (shown.modes & scripts) != 0) {
+        shown.size = pageFontSize(shown.size) * 3 / 4;
+    }
+    return shown;
 }
 
 // Makes sure that text gets the format now in force.
 void HtmlWriter::openRun()
 {
-    if (runCharacters_ == characters_) {
+    const CharacterFormat shown = shownCharacters();
+    if (runCharacters_ == shown && runLink_ == link_) {
         return;
     }
     closeRun();
-    if (characters_ == paragraphCharacters_) {
+    if (shown == paragraphCharacters_ && link_.empty()) {
         return;
     }
-    appendRunTag(characters_, paragraphCharacters_, fonts_, line_.text());
-    runCharacters_ = characters_;
+    appendRunTag(shown, paragraphCharacters_, fonts_, line_.text(), link_);
+    runCharacters_ = shown;
+    runLink_ = link_;
     runIsOpen_ = true;
 }
 
 void HtmlWriter::closeRun()
 {
     if (runIsOpen_) {
-        line_.text() += "</span>";
+        line_.text() += runLink_.empty() ? "</span>" : "</a>";
         runIsOpen_ = false;
     }
     runCharacters_ = paragraphCharacters_;
+    runLink_.clear();
 }
 
 } // namespace mifconvert

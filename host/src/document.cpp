@@ -21,6 +21,7 @@ namespace
 constexpr std::uint32_t notStored = std::numeric_limits<std::uint32_t>::max();
 
 constexpr std::string_view headerStart = "<MIFFile";
+constexpr std::size_t longestHeader = 4096;
 
 bool beginsAsMif(Stream &stream)
 {
@@ -118,7 +119,7 @@ void Document::fill()
 
 void Document::watchRead(std::uint64_t position, std::span<const std::uint8_t> bytes)
 {
-    check_.feed(position, bytes);
+    bytesRead_ = std::max(bytesRead_, position + bytes.size());
     addWork(bytes.size());
     proceed();
 }
@@ -168,8 +169,8 @@ void Document::throwRefusal() const
     if (stream_.size() == 0) {
         reason = "is empty, not a MIF document";
     } else if (beginsAsMif(stream_)) {
-        reason = "not a MIF document, its first statement does not end within " +
-                 std::to_string(SourceCheck::maximumStatement) + " bytes";
+        reason =
+            "not a MIF document, its first statement does not end within " + std::to_string(longestHeader) + " bytes";
     }
     throw NotMif(stream_.name(), std::nullopt, reason);
 }

@@ -24,10 +24,10 @@ void selectPlainIndents(MifContext *context)
     }
     const MifFormatEntry &entry = *formats.currentPgf;
     if (entry.statesLeftIndent != 0) {
-        formats.extended.plainLeftIndent = entry.leftIndent;
+        formats.currentStyle.leftIndent = entry.leftIndent;
     }
     if (entry.statesRightIndent != 0) {
-        formats.extended.plainRightIndent = entry.rightIndent;
+        formats.currentStyle.rightIndent = entry.rightIndent;
     }
 }
 
@@ -47,18 +47,38 @@ void applyEntry(MifContext *context, const MifFormatEntry &entry, MifCharacters 
 void selectParagraphFormat(MifContext *context, MifFormatEntry *entry)
 {
     MifFormatState &formats = context->formats;
+    MifExtendedStyle &wanted = formats.extended.wanted;
+    const char *tag = entry->statements.head->value;
     formats.currentPgf = entry;
     selectPlainIndents(context);
     if (formats.inPgfCatalog != 0) {
         return;
     }
-    MifExtendedStyle &wanted = formats.extended.wanted;
+    if (wanted.paragraph.tag == tag && wanted.isChanged == 0) { // it is in force, and nothing has come after it
+        mifResetCharacters(context);
+        return;
+    }
     wanted.paragraph = {};
     wanted.paragraphCharacters = {};
     wanted.tabs.count = 0;
-    wanted.paragraph.tag = entry->statements.head->value;
+    wanted.paragraph.tag = tag;
+    wanted.isChanged = 0;
     applyEntry(context, *entry, wanted.paragraphCharacters, false);
     mifResetCharacters(context);
+}
+
+// What an entry's statements of that property set, a later one will set again: they set nothing any more, so that to
+// select a format costs as much as it has properties. Stops of tabs add up.
+void forgetProperty(MifFormatEntry &entry, const MifProperty *property)
+{
+    if (mifAddsUp(property)) {
+        return;
+    }
+    for (MifStoredStatement *statement = entry.statements.head; statement != nullptr; statement = statement->next) {
+        if (statement->property == property) {
+            statement->property = nullptr;
+        }
+    }
 }
 
 // Keeps a statement of a definition when selecting the format sets something.
@@ -78,7 +98,11 @@ int storeProperty(MifContext *context, MifFormatCatalog &catalog)
         ++entry.statementCount; // it sets nothing
         return 1;
     }
-    const int stored = mifAppendStatement(context, entry, mifTextOfValue(context, value), property);
+    const char *text = mifTextOfValue(context, value);
+    if (property->read(text) != mifSetsNothing) {
+        forgetProperty(entry, property);
+    }
+    const int stored = mifAppendStatement(context, entry, text, property);
     if (property == &mifExtendedLeftIndent || property == &mifExtendedRightIndent) {
         const int32_t indent = property->read(value);
         const bool isLeft = property == &mifExtendedLeftIndent;
@@ -161,6 +185,7 @@ int mifTagFont(MifContext *context)
     }
     if (formats.inPgf != 0) {
         mifSetFontTag(context, {tag, 0});
+        formats.extended.wanted.isChanged = 1;
         mifResetCharacters(context);
         return 1;
     }
@@ -199,6 +224,7 @@ int mifEndTabStop(MifContext *context)
         return entry.statementCount < mostStoredStatements &&
                mifAppendStatement(context, entry, "", &mifExtendedTabStop) != 0;
     }
+    formats.extended.wanted.isChanged = 1;
     return mifTakeTabStop(context);
 }
 
@@ -213,9 +239,9 @@ int mifSetExtended(MifContext *context)
     const char *text = mifTextOfValue(context, value);
     const int32_t number = row.direct->read(text);
     if (row.direct == &mifExtendedLeftIndent) {
-        formats.extended.plainLeftIndent = number;
+        formats.currentStyle.leftIndent = number;
     } else if (row.direct == &mifExtendedRightIndent) {
-        formats.extended.plainRightIndent = number;
+        formats.currentStyle.rightIndent = number;
     }
     if (formats.inPgfCatalog != 0 || formats.inFontCatalog != 0) {
         return 1; // a second definition of a tag
@@ -224,6 +250,7 @@ int mifSetExtended(MifContext *context)
     const bool isParagraphs = formats.inPgf != 0;
     formats.extended.target = isParagraphs ? &wanted.paragraphCharacters : &wanted.characters;
     row.direct->set(context, {text, number});
+    wanted.isChanged = 1;
     if (isParagraphs) {
         mifResetCharacters(context);
     }

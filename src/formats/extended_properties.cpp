@@ -19,8 +19,8 @@ struct Keyword {
     int32_t value;
 };
 
-// What a value reads as that is none of the known ones; nothing is set then.
-constexpr int32_t noKeyword = -1;
+// What a value reads as that is none of the known ones.
+constexpr int32_t noKeyword = mifSetsNothing;
 
 constexpr Keyword alignments[] = {
     {"LeftRight", MIF_ALIGN_LEFT_RIGHT},
@@ -293,6 +293,12 @@ const MifProperty mifExtendedCase = {readKeyword<letterCases>, setOneOf<cases>};
 const MifProperty mifExtendedPlain = {readSwitch, setPlain};
 const MifProperty mifExtendedBold = {readSwitch, setMode<MODE_BOLD>};
 const MifProperty mifExtendedItalic = {readSwitch, setMode<MODE_ITALIC>};
+
+bool mifAddsUp(const MifProperty *property)
+{
+    return property == &mifExtendedTabCount || property == &mifExtendedTabPosition || property == &mifExtendedTabKind ||
+           property == &mifExtendedTabLeader || property == &mifExtendedTabStop;
+}
 
 int32_t mifReadLanguage(const char *name)
 {

@@ -45,6 +45,12 @@ extern const MifProperty mifExtendedPlain;
 extern const MifProperty mifExtendedBold;
 extern const MifProperty mifExtendedItalic;
 
+// What a value reads as that sets nothing.
+inline constexpr int32_t mifSetsNothing = -1;
+
+// Whether a property's statements add up in a format, as those of tab stops do; of all others the last one counts.
+bool mifAddsUp(const MifProperty *property);
+
 // Adds the catalog's font of that tag to the paragraph's own characters.
 MifChange mifSetFontTag(MifContext *context, MifPropertyValue value);
 

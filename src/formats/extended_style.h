@@ -75,6 +75,7 @@ struct MifExtendedStyle {
     MifCharacters paragraphCharacters; // what a paragraph begins with, and what a font's end goes back to
     MifCharacters characters;
     MifTabList tabs;
+    uint32_t isChanged; // since the format of the paragraph's tag was selected
 };
 
 #endif

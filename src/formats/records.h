@@ -89,8 +89,6 @@ struct MifExtendedFormatState {
     MifList<MifFontFamily> families;
     MifIndex familyNames;
     uint32_t paragraphsOf[languageCount]; // by language
-    int32_t plainLeftIndent;              // what the plain stream's paragraph format has, which places its tables
-    int32_t plainRightIndent;
 };
 
 // A number text that waits for the next text of its paragraph, as it was written in the file.
@@ -112,7 +110,8 @@ struct MifFormatState {
     uint32_t styleChanged;          // currentStyle may differ from appliedStyle; text/ raises and lowers it too
     MifWaitingNumber *numbers;      // of open paragraphs, the innermost first, at most one of each
     MifWaitingNumber *strayNumber;  // the one outside of all paragraphs; it waits for whatever text comes next
-    MifParagraphStyle currentStyle; // what the document asks for; text/apply_format gives sizes back there
+    MifParagraphStyle currentStyle; // what the document asks for; text/apply_format gives sizes back there. Of the
+                                    // extended stream the left and right indents alone, by which tables are placed
     MifParagraphStyle appliedStyle; // what the output was last told; written by text/apply_format alone
     MifExtendedFormatState extended;
 };

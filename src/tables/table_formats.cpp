@@ -386,8 +386,8 @@ int32_t mifLayOutColumns(MifContext *context)
         const MifColumnFormat format = columnOf(column);
         (format.isShare != 0 ? shares : stated) += std::max(format.width, 0);
     }
-    const int64_t room = int64_t{context->pages.pageWidth} - context->formats.extended.plainLeftIndent -
-                         context->formats.extended.plainRightIndent;
+    const int64_t room = int64_t{context->pages.pageWidth} - context->formats.currentStyle.leftIndent -
+                         context->formats.currentStyle.rightIndent;
     const int64_t shared = std::max<int64_t>((tables.table.width > 0 ? tables.table.width : room) - stated, 0);
     for (int32_t column = 0; column < count; ++column) {
         const MifColumnFormat format = columnOf(column);

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <string_view>
 #include <utility>
+#include <variant>
 
 #include <fmt/format.h>
 
 #include "interruption.h"
 #include "mifhost/error.h"
-#include "mifhost/source_check.h"
 #include "paths.h"
 
 namespace mifread
@@ -21,27 +22,44 @@ namespace
 // More losses of one kind help nobody.
 constexpr std::uint64_t mostTold = 20;
 
-// What the reader lost of a document that it read to its end.
-void addReaderLosses(const mifhost::Document &document, std::vector<std::string> &losses)
+// What messages say of the losses of a kind; nothing for what is no text and no data of the document.
+struct LossText {
+    std::string_view first; // of the first one, which begins at the byte told
+    std::string_view counted;
+};
+
+LossText textOf(mifhost::LossKind kind)
 {
-    const mifhost::SourceCheck &check = document.check();
-    if (check.openStatements() > 0) {
-        losses.push_back(
-            fmt::format("{}: byte {}: the document ends inside the statement that begins here (open statements: {})",
-                        document.name(), check.innermostOpen(), check.openStatements()));
+    switch (kind) {
+    case mifhost::LossKind::Statement:
+        return {
+            "the first of the statements or lines of embedded objects that were dropped because they have more than "
+            "4096 bytes begins here",
+            "dropped"};
+    case mifhost::LossKind::End:
+        return {"the document ends inside the statement that begins here", ""};
+    case mifhost::LossKind::Nul:
+        return {"the first of the strings of which the rest after a NUL byte is lost begins here", "strings"};
+    case mifhost::LossKind::Character:
+        return {"the first of the statements with undefined characters, which were replaced by U+FFFD, begins here",
+                "characters"};
+    case mifhost::LossKind::Record:
+        return {"the first of the records that were left out, for want of memory or because there are too many, stands "
+                "here",
+                "records"};
+    case mifhost::LossKind::Unplaced:
+        return {"the first of the texts that stand in no text rectangle of a page or a frame, and are left out, begins "
+                "here",
+                "texts"};
+    case mifhost::LossKind::Object:
+        return {
+            "the first of the embedded objects that have no identifier of their own, and cannot be read, begins here",
+            "objects"};
+    case mifhost::LossKind::Comment:
+    case mifhost::LossKind::Reference:
+        break;
     }
-    if (check.droppedStatements() > 0) {
-        losses.push_back(fmt::format(
-            "{}: byte {}: the first of the statements or lines of embedded objects that were dropped because they have "
-            "more than {} bytes begins here (dropped: {}, the longest: {} bytes)",
-            document.name(), check.firstDropped(), mifhost::SourceCheck::maximumStatement, check.droppedStatements(),
-            check.longestDropped()));
-    }
-    if (check.cutStrings() > 0) {
-        losses.push_back(
-            fmt::format("{}: byte {}: the first NUL byte in a string, of which the rest is lost (strings: {})",
-                        document.name(), check.firstCut(), check.cutStrings()));
-    }
+    return {};
 }
 
 } // namespace
@@ -66,7 +84,13 @@ std::filesystem::path Conversion::claimFile(const std::string &name)
 const mifhost::Token *Conversion::next()
 {
     keepGoing();
-    return document_.next();
+    const mifhost::Token *token = document_.next();
+    if (token != nullptr) {
+        if (const auto *total = std::get_if<mifhost::LossTotal>(token)) {
+            totals_.push_back(*total);
+        }
+    }
+    return token;
 }
 
 void Conversion::keepGoing(std::uint64_t bytesElsewhere)
@@ -108,8 +132,15 @@ std::vector<std::string> Conversion::losses() const
         all.push_back(fmt::format("{}: characters that Windows-1252 does not define were replaced by U+FFFD: {}",
                                   document_.name(), charset_.undefinedBytes()));
     }
-    if (document_.percent() >= 100) {
-        addReaderLosses(document_, all);
+    for (const mifhost::LossTotal &total : totals_) {
+        const LossText text = textOf(total.kind);
+        if (text.first.empty()) {
+            continue;
+        }
+        all.push_back(fmt::format("{}: byte {}: {}", document_.name(), total.first, text.first));
+        if (!text.counted.empty()) {
+            all.back() += fmt::format(" ({}: {})", text.counted, total.count);
+        }
     }
     return all;
 }

@@ -68,8 +68,15 @@ public:
     // kind  what was lost, in the plural; lives as long as the program
     void addLoss(std::string_view kind, std::string message);
 
-    // What was lost: by addLoss(), of the character set, and, when the document was read to its end, by the reader.
+    // What was lost: by addLoss(), of the character set, and, when the extended stream was read to its end, by the
+    // reader. Of the plain one the reader tells nothing.
     std::vector<std::string> losses() const;
+
+    // What the reader lost, by kind, also what is no text and no data; complete when next() has returned null.
+    const std::vector<mifhost::LossTotal> &lossTotals() const noexcept
+    {
+        return totals_;
+    }
 
 private:
     mifhost::Document &document_;
@@ -80,6 +87,7 @@ private:
     Progress progress_;
     mifhost::TextConverter charset_;
     std::vector<std::string> losses_;
+    std::vector<mifhost::LossTotal> totals_;
     std::map<std::string_view, std::uint64_t> lossCounts_; // by kind
     std::uint64_t outputStart_;                            // size of the output before this document
     std::uint64_t bytesElsewhere_ = 0;                     // written to other files

@@ -23,7 +23,7 @@ class PageObjects
 public:
     explicit PageObjects(Conversion &conversion) : conversion_(conversion) {}
 
-    void show(const mifhost::Frame &frame);
+    void show(const mifhost::Frame &frame, std::string &out);
 
 private:
     // What the first frame of an object showed of it, which is costly to find out.
@@ -36,12 +36,10 @@ private:
     std::map<std::string, Known, std::less<>> objects_; // by identifier
 };
 
-void PageObjects::show(const mifhost::Frame &frame)
+void PageObjects::show(const mifhost::Frame &frame, std::string &out)
 {
     std::optional<mifconvert::HtmlObject> element;
-    const auto begin = [&](const FileType &type) {
-        element.emplace(frame, type.mimeType, type.extension, conversion_.text());
-    };
+    const auto begin = [&](const FileType &type) { element.emplace(frame, type.mimeType, type.extension, out); };
     auto known = objects_.find(frame.id);
     if (known != objects_.end()) {
         begin(known->second.type);
@@ -66,8 +64,8 @@ void writePage(Conversion &conversion)
     PageObjects objects(conversion);
     const std::string title = textOf(pathOf(document.name()).filename());
     mifconvert::HtmlWriter writer(
-        title, document.fonts(), conversion.charset(), [&objects](const mifhost::Frame &frame) { objects.show(frame); },
-        conversion.text());
+        title, document.fonts(), conversion.charset(),
+        [&objects](const mifhost::Frame &frame, std::string &out) { objects.show(frame, out); }, conversion.text());
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);
     }

@@ -28,10 +28,13 @@ public:
     // What is noted of a token besides its kind.
     void operator()(const mifhost::Text &text)
     {
-        info_.characters += text.bytes.size();
-        // Only to count the characters that are not defined.
+        // Characters that are not defined are counted on the way.
         converted_.clear();
         conversion_.charset().append(text.bytes, converted_);
+        info_.characters +=
+            static_cast<std::uint64_t>(std::count_if(converted_.begin(), converted_.end(), [](char byte) {
+                return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+            }));
     }
     void operator()(const mifhost::Font &font)
     {
@@ -44,6 +47,10 @@ public:
     void operator()(const mifhost::TableEnd &)
     {
         endTable();
+    }
+    void operator()(const mifhost::DocumentField &field)
+    {
+        info_.fields[static_cast<std::size_t>(field.kind)] = field.value;
     }
     void operator()(const mifhost::Frame &frame);
     template <typename Other>
@@ -76,8 +83,7 @@ DocumentInfo Inspection::run()
     addFonts();
     info_.name = document.name();
     info_.size = document.size();
-    info_.droppedStatements = document.check().droppedStatements();
-    info_.longestDropped = document.check().longestDropped();
+    info_.lossTotals = conversion_.lossTotals();
     info_.losses = conversion_.losses();
     info_.peakMemory = document.memory().peakBytes();
     return std::move(info_);

@@ -125,6 +125,13 @@ void addTables(const DocumentInfo &info, Rows &rows)
     rows.addList("tables", counts);
 }
 
+std::string_view reasonForNoText(const DocumentInfo &info)
+{
+    const bool isUnplaced = std::any_of(info.lossTotals.begin(), info.lossTotals.end(),
+                                        [](const auto &total) { return total.kind == mifhost::LossKind::Unplaced; });
+    return isUnplaced ? "none came out: it stands on no page" : "none came out: the document's flows hold none";
+}
+
 void addObjects(const DocumentInfo &info, Rows &rows)
 {
     std::size_t widestId = 0;
@@ -152,10 +159,23 @@ std::string infoText(const DocumentInfo &info)
                                  counted(info.count<mifhost::ParaEnd>(), "paragraph"),
                                  counted(info.count<mifhost::LineBreak>(), "line"),
                                  counted(info.count<mifhost::Tab>(), "tab")));
+    if (info.characters == 0) {
+        rows.add("text", reasonForNoText(info));
+    }
+    for (std::size_t field = 0; field < info.fields.size(); ++field) {
+        if (!info.fields[field].empty()) {
+            rows.add("document",
+                     fmt::format("{}: {}", mifconvert::documentFieldNames[field], shown(info.fields[field])));
+        }
+    }
     addTokens(info, rows);
     addFonts(info, rows);
     addTables(info, rows);
     addObjects(info, rows);
+    for (const mifhost::LossTotal &total : info.lossTotals) {
+        rows.add("lost", fmt::format("{} of kind {}, the first at byte {}", total.count,
+                                     mifconvert::nameOf(mifconvert::lossKindNames, total.kind), total.first));
+    }
     for (const std::string &loss : info.losses) {
         rows.add("losses", shown(loss));
     }
@@ -180,6 +200,18 @@ Json infoJson(const DocumentInfo &info)
     for (const auto &[columns, count] : info.tables) {
         tables.push_back({{"columns", columns}, {"count", count}});
     }
+    Json fields = Json::object();
+    for (std::size_t field = 0; field < info.fields.size(); ++field) {
+        if (!info.fields[field].empty()) {
+            fields[std::string(mifconvert::documentFieldNames[field])] = info.fields[field];
+        }
+    }
+    Json losses = Json::array();
+    for (const mifhost::LossTotal &total : info.lossTotals) {
+        losses.push_back({{"kind", mifconvert::nameOf(mifconvert::lossKindNames, total.kind)},
+                          {"count", total.count},
+                          {"first", total.first}});
+    }
     Json objects = Json::array();
     for (const ObjectInfo &object : info.objects) {
         objects.push_back({{"id", object.id},
@@ -194,8 +226,8 @@ Json infoJson(const DocumentInfo &info)
             {"size", info.size},
             {"status", info.losses.empty() ? "converted" : "losses"},
             {"messages", info.losses},
-            {"droppedStatements", info.droppedStatements},
-            {"longestDropped", info.longestDropped},
+            {"fields", fields},
+            {"losses", losses},
             {"characters", info.characters},
             {"tokens", tokens},
             {"fonts", fonts},

@@ -37,10 +37,11 @@ struct Options {
     bool update = false;             // leave documents alone whose results are newer
     bool dryRun = false;             // only say what would be written where
 
-    bool asJson = false;      // objects and info: as JSON instead of for people
-    bool withObjects = false; // json: the data of objects as well
+    bool asJson = false;        // objects and info: as JSON instead of for people
+    bool withObjects = false;   // json: the data of objects as well
+    bool listsExtended = false; // tokens: the extended stream
 
-    bool isExtended = false;                                 // ask the reader for the extended stream
+    bool isExtended = true;                                  // ask the reader for the extended stream
     std::uint32_t encoding = MIF_ENCODING_AUTO;              // of the extended stream's documents, a MIF_ENCODING value
     std::uint32_t bufferSize = 64 * 1024;                    // bytes
     std::string plugin;                                      // a path; empty: the reader the program is linked with

@@ -16,6 +16,7 @@ void writeText(Conversion &conversion)
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);
     }
+    writer.finish();
 }
 
 void showText(Conversion &conversion)
@@ -27,6 +28,8 @@ void showText(Conversion &conversion)
         appendShownLines(text, conversion.text());
         text.clear();
     }
+    writer.finish();
+    appendShownLines(text, conversion.text());
 }
 
 } // namespace

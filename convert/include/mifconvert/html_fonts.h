@@ -25,9 +25,10 @@ struct FontStyle {
     FontShape shape = FontShape::Serif;
 };
 
-// The size in points of text for which the document states none, and the most that a page states.
-constexpr std::uint32_t defaultFontSize = 12;
-constexpr std::uint32_t largestFontSize = 400;
+// The size of text for which the document states none, and the most that a page states, in twips.
+constexpr std::uint32_t twipsToThePoint = 20;
+constexpr std::uint32_t defaultFontSize = 12 * twipsToThePoint;
+constexpr std::uint32_t largestFontSize = 400 * twipsToThePoint;
 
 // The styles of a document's fonts.
 class FontStyles
@@ -51,7 +52,7 @@ private:
     FontStyle pageFont_{pageFontClass, ""};
 };
 
-// Returns the size of text in points that a page states for a document's.
+// Returns the size of text in twips that a page states for a document's.
 std::uint32_t pageFontSize(std::uint32_t size);
 
 // Appends the rules for the page's own font and for the classes of fonts.
@@ -60,7 +61,7 @@ void appendFontRules(std::string &out);
 // Estimates the width of text in twips.
 //
 // bytes  in Windows-1252
-// size   in points, as pageFontSize() returns it
+// size   in twips, as pageFontSize() returns it
 std::int64_t estimateWidth(std::string_view bytes, FontShape shape, std::uint32_t size);
 
 } // namespace mifconvert

@@ -45,8 +45,14 @@ Column columnOf(const PageLayout &page);
 
 // Appends the page from its beginning to the start tag of its body.
 //
-// title  in UTF-8
-void appendPageHead(std::string_view title, const PageLayout &page, std::string &out);
+// title     in UTF-8
+// language  of the document, as in BCP 47; empty for none
+// author    in UTF-8; empty for none
+void appendPageHead(std::string_view title, std::string_view language, std::string_view author, const PageLayout &page,
+                    std::string &out);
+
+// Whether a page can name that language: letters, digits and hyphens.
+bool isLanguage(std::string_view language);
 
 // Appends the page's end.
 void appendPageEnd(std::string &out);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "mifconvert/html_fonts.h"
 #include "mifconvert/html_page.h"
@@ -24,9 +25,9 @@ LineEdges edgesIn(const Column &column, const mifhost::ParaFormat &format);
 
 struct CharacterFormat {
     std::uint32_t font = 0;  // number of the document's font
-    std::uint32_t size = 0;  // points; 0 when the document states none
+    std::uint32_t size = 0;  // twips; 0 when the document states none
     std::uint32_t color = 0; // 0xRRGGBB
-    std::uint32_t modes = 0; // a bit for each Mode, the first one lowest
+    std::uint32_t modes = 0; // a bit for each Mode, the first one lowest, and then for each ExtendedMode
 
     bool operator==(const CharacterFormat &) const = default;
 };
@@ -36,11 +37,22 @@ constexpr std::uint32_t modeBit(mifhost::Mode mode)
     return 1U << static_cast<unsigned>(mode);
 }
 
+constexpr std::uint32_t modeBit(mifhost::ExtendedMode mode)
+{
+    constexpr unsigned plainModes = 8;
+    return 1U << (plainModes + static_cast<unsigned>(mode));
+}
+
 struct ParagraphFormat {
     LineEdges edges;
     mifhost::Alignment alignment = mifhost::Alignment::Left;
     mifhost::Spacing spacing = mifhost::Spacing::Single;
-    CharacterFormat characters; // but for the modes, which are its runs' own
+    CharacterFormat characters;  // but for the modes, which are its runs' own
+    std::int32_t spaceAbove = 0; // twips
+    std::int32_t spaceBelow = 0;
+    bool beginsPage = false;
+    bool keepsWithNext = false;
+    std::string_view language{}; // where it is not that of the page; letters, digits and hyphens
 };
 
 // Whether a frame is too high for a line of text, so that it stands between the lines.
@@ -53,8 +65,10 @@ constexpr bool standsAlone(const mifhost::Frame &frame)
 // Appends the start tag of a paragraph.
 void appendParagraphTag(const ParagraphFormat &format, const Column &column, FontStyles &fonts, std::string &out);
 
-// Appends the start tag of a run in a paragraph whose characters have another format.
-void appendRunTag(const CharacterFormat &run, const CharacterFormat &paragraph, FontStyles &fonts, std::string &out);
+// Appends the start tag of a run in a paragraph whose characters have another format: a link's when link, which is safe
+// to stand in an attribute, is not empty.
+void appendRunTag(const CharacterFormat &run, const CharacterFormat &paragraph, FontStyles &fonts, std::string &out,
+                  std::string_view link = {});
 
 } // namespace mifconvert
 

@@ -2,13 +2,16 @@
 #ifndef MIFCONVERT_HTML_TABLE_H
 #define MIFCONVERT_HTML_TABLE_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mifconvert/html_page.h"
+#include "mifhost/token.h"
 
 namespace mifconvert
 {
@@ -32,7 +35,25 @@ public:
     // column        what the table stands in
     void begin(std::span<const std::int32_t> columnWidths, std::int64_t left, const Column &column);
 
-    // Makes sure that a cell is open for content; a table must be.
+    // Begins a table of the extended stream, whose title, rows and cells are told; none may be open.
+    void open(const mifhost::TableOpen &table, const Column &column);
+
+    bool hasRows() const noexcept
+    {
+        return isExtended_;
+    }
+
+    // The title, before the first row.
+    void beginTitle();
+    void endTitle();
+
+    void beginRow(mifhost::RowKind kind);
+
+    // Begins a cell. One that another covers is none, and what it holds is not shown.
+    void beginCell(const mifhost::Cell &cell);
+
+    // Makes sure that a cell is open for content; a table must be. Nothing is to be done in a title, or where rows are
+    // told.
     void openCell();
 
     // Where lines may stand in the cell that is open or comes next.
@@ -46,12 +67,30 @@ public:
 
 private:
     void appendTableTag(std::int64_t left);
+    void appendColumns();
+    void closeRow();
+    void appendCellStyle(const mifhost::Cell &cell, std::size_t columns);
+    const mifhost::Ruling &rulingAbove() const;
 
     std::string &out_;
     std::vector<std::int32_t> columnWidths_; // clamped; empty when no table is open
     Column column_;
     std::size_t cellsInRow_ = 0; // that are finished
     bool cellIsOpen_ = false;
+
+    // Of a table whose rows are told.
+    bool isExtended_ = false;
+    bool columnsAreWritten_ = false;
+    bool isInTitle_ = false;
+    bool rowIsOpen_ = false;
+    bool isFirstRow_ = true;
+    std::string_view group_;   // the element around the rows
+    std::string_view cellTag_; // of the open cell
+    mifhost::RowKind rowKind_ = mifhost::RowKind::Body;
+    mifhost::TitlePlace titlePlace_ = mifhost::TitlePlace::Above;
+    std::array<mifhost::Ruling, 8> rulings_{};
+    mifhost::Fill bodyFill_{};
+    mifhost::Fill headingFill_{};
 };
 
 } // namespace mifconvert

@@ -29,6 +29,9 @@ public:
     // Sets the stops of the lines to come.
     void setStops(std::span<const mifhost::TabStop> stops);
 
+    // Sets their leaders, one for each stop as setStops() had them.
+    void setLeaders(std::span<const std::string_view> leaders);
+
     // Begins a line.
     //
     // start  where its text begins, in twips from the left edge of the column
@@ -64,20 +67,25 @@ private:
         Center
     };
 
+    struct Stop : mifhost::TabStop {
+        std::size_t number = 0; // as the document has it
+        bool hasLeader = false;
+    };
+
     void closeBox();
     void release();
     void leaveTab();
     void openTag(std::string_view name, std::int64_t width);
-    void openBox(const mifhost::TabStop &stop, bool wraps);
+    void openBox(const Stop &stop, bool wraps);
     void openCenterBox(std::int64_t width, std::int64_t before);
-    void openRightBox(std::int64_t width, bool wraps);
+    void openRightBox(std::int64_t width, bool wraps, bool hasLeader);
     std::size_t stopBeyond(std::int64_t position) const;
-    std::optional<mifhost::TabStop> takeStop(std::size_t index, std::int64_t position) const;
+    std::optional<Stop> takeStop(std::size_t index, std::int64_t position) const;
     bool anyStopBeyond(std::int64_t position) const;
 
     std::string &out_;
-    std::vector<mifhost::TabStop> stops_; // by position
-    std::size_t firstStop_ = 0;           // the one behind the stop that the last tab went to
+    std::vector<Stop> stops_;   // by position
+    std::size_t firstStop_ = 0; // the one behind the stop that the last tab went to
     LineEdges edges_;
     State state_ = State::Free;
     std::string held_;

@@ -30,6 +30,9 @@ void appendHtmlText(std::string_view bytes, mifhost::TextConverter &charset, std
 // Appends a file's name as the content of an element. Names are UTF-8; bytes that are not become U+FFFD.
 void appendHtmlName(std::string_view name, std::string &out);
 
+// The same as the value of an attribute in double quotes.
+void appendHtmlAttribute(std::string_view text, std::string &out);
+
 // Appends text as a CSS string, in its quotes, that can stand in an attribute's value.
 //
 // bytes  in Windows-1252

@@ -2,12 +2,18 @@
 #ifndef MIFCONVERT_HTML_WRITER_H
 #define MIFCONVERT_HTML_WRITER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <memory>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mifconvert/html_fonts.h"
+#include "mifconvert/html_links.h"
 #include "mifconvert/html_page.h"
 #include "mifconvert/html_style.h"
 #include "mifconvert/html_table.h"
@@ -24,8 +30,9 @@ namespace mifconvert
 class HtmlWriter
 {
 public:
-    // Appends what shows a frame to the output: elements that may stand in a line of text.
-    using ShowFrame = std::function<void(const mifhost::Frame &)>;
+    // Appends what shows a frame to out, the page's own output or what a note is kept in: elements that may stand in a
+    // line of text.
+    using ShowFrame = std::function<void(const mifhost::Frame &, std::string &out)>;
 
     // title      of the page, in UTF-8: the name of the document's file, as a rule
     // fonts      the document's fonts
@@ -36,7 +43,7 @@ public:
     HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset,
                ShowFrame showFrame, std::string &out);
 
-    // Appends what the token adds to the page.
+    // Appends what the token adds to the page. What a link covers waits for its end, and notes for the page's.
     void write(const mifhost::Token &token);
 
     // Appends the end of the page.
@@ -59,21 +66,66 @@ private:
     void put(const mifhost::TextColor &color);
     void put(const mifhost::Frame &frame);
     void put(const mifhost::Charset &charset);
-    template <typename Other>
-    void put(const Other & /*other*/)
-    {
-    }
+    void put(const mifhost::Paragraph &paragraph);
+    void put(const mifhost::Number &number);
+    void put(const mifhost::ModeChange &change);
+    void put(const mifhost::FontSize &size);
+    void put(const mifhost::TabLeaders &leaders);
+    void put(const mifhost::NoteBegin &note);
+    void put(const mifhost::NoteEnd &end);
+    void put(const mifhost::NoteReference &reference);
+    void put(const mifhost::Marker &marker);
+    void put(const mifhost::XRefBegin &reference);
+    void put(const mifhost::XRefEnd &end);
+    void put(const mifhost::TableOpen &table);
+    void put(const mifhost::TitleBegin &begin);
+    void put(const mifhost::TitleEnd &end);
+    void put(const mifhost::Row &row);
+    void put(const mifhost::Cell &cell);
+    void put(const mifhost::TableClose &end);
+    void put(const mifhost::Anchor &anchor);
+    void put(const mifhost::BoxBegin &box);
+    void put(const mifhost::BoxEnd &end);
+    void put(const mifhost::DocumentField &field);
+    void put(const mifhost::PageSize &size);
+    void put(const mifhost::Loss & /*loss*/) {}
+    void put(const mifhost::LossTotal & /*total*/) {}
 
-    // A tab or a frame that came before its paragraph's formats did.
+    enum class LeaderKind : std::uint8_t { Tab, Frame, Place, Picture };
+
+    // What came before its paragraph's formats did.
     struct Leader {
-        bool isTab = false;
-        std::string id;
+        LeaderKind kind = LeaderKind::Tab;
+        std::string id; // of a frame or a place; of a picture its path
         std::uint32_t width = 0;
         std::uint32_t height = 0;
-        std::uint32_t kind = 0;
+        std::uint32_t frameKind = 0;
     };
 
-    void beginPage(const mifhost::Token *first);
+    // What is around a note or a box, whose tables are its own.
+    struct Outer {
+        std::string body;
+        std::unique_ptr<HtmlTable> table;
+        bool paragraphGoesOn;
+        bool isHeld;
+        std::int32_t note;
+    };
+
+    struct Note {
+        std::size_t number = 0; // in the order of the references; 0 before the first
+        std::string content;
+    };
+
+    void process(const mifhost::Token &token);
+    void beginPage();
+    void hand(std::string &out);
+    void enter(bool isHeld, std::int32_t note);
+    Outer leave();
+    void finishNotes();
+    void nameNewPlace(std::string_view name);
+    void writePicture(const Leader &picture);
+    void writeText(std::string_view text);
+    CharacterFormat shownCharacters() const;
     void writeLineBreak();
     void writeFrame(const mifhost::Frame &frame);
     void addLeader(Leader leader);
@@ -87,10 +139,12 @@ private:
     mifhost::TextConverter &charset_;
     ShowFrame showFrame_;
     std::string &out_;
+    std::string body_; // what is not handed to out_ yet
     FontStyles fonts_;
     PageLayout page_;
-    HtmlTable table_;
+    std::unique_ptr<HtmlTable> table_ = std::make_unique<HtmlTable>(body_);
     TabLine line_;
+    LinkEnds links_;
 
     // The formats in force.
     mifhost::ParaFormat paragraph_{};
@@ -104,7 +158,21 @@ private:
     bool runIsOpen_ = false;
     bool lineIsEmpty_ = false;
 
+    std::string runLink_;
     std::vector<Leader> leaders_;
+
+    // Of the extended stream.
+    mifhost::Paragraph format_{};
+    std::string formatLanguage_;
+    std::string link_; // of the text that follows; empty for none
+    bool linkIsReference_ = false;
+    std::string author_;
+    std::string language_;
+    std::set<std::string, std::less<>> places_;
+    std::vector<Outer> outers_;
+    std::map<std::int32_t, Note> notes_;
+    std::size_t references_ = 0; // to notes, each note counted once
+    bool cellIsCovered_ = false;
     bool pageIsBegun_ = false;
     bool paragraphIsOpen_ = false;
     bool paragraphGoesOn_ = false;  // a table stood in the paragraph

@@ -21,7 +21,6 @@
 #include "mifhost/fonts.h"
 #include "mifhost/memory.h"
 #include "mifhost/plugin.h"
-#include "mifhost/source_check.h"
 #include "mifhost/stream.h"
 #include "mifhost/token.h"
 
@@ -120,11 +119,11 @@ public:
     // The same in bytes: how far the reader has ever come, 0 to size(). It reads ahead in blocks.
     std::uint64_t bytesRead() const noexcept
     {
-        return check_.bytesSeen();
+        return bytesRead_;
     }
 
     // The fonts announced so far, which include those of all tokens handed out. Valid as long as the document; so are
-    // the accounts and the check, and all of them change with next() and Object alone.
+    // the accounts, and all of them change with next() and Object alone.
     const FontRegistry &fonts() const noexcept
     {
         return fonts_;
@@ -134,12 +133,6 @@ public:
     const Memory &memory() const noexcept
     {
         return memory_;
-    }
-
-    // What the document lacks; complete when next() has returned null.
-    const SourceCheck &check() const noexcept
-    {
-        return check_;
     }
 
 private:
@@ -166,7 +159,7 @@ private:
     MifReaderInterface reader_;
     Memory memory_;
     FontRegistry fonts_;
-    SourceCheck check_; // sees every read
+    std::uint64_t bytesRead_ = 0; // the end of the furthest read
     // Sent by mifInitDoc; null where the reader offers no objects.
     MifFileAccess fileAccess_{};
     bool objectIsOpen_ = false;

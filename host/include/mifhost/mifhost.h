@@ -28,7 +28,6 @@
 #include "mifhost/memory.h"
 #include "mifhost/object.h"
 #include "mifhost/plugin.h"
-#include "mifhost/source_check.h"
 #include "mifhost/stream.h"
 #include "mifhost/token.h"
 

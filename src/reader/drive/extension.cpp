@@ -42,8 +42,6 @@ int mifPrepareExtension(MifContext *context)
     if (context->extension.version == 0) {
         return 1;
     }
-    context->formats.extended.plainLeftIndent = context->formats.currentStyle.leftIndent;
-    context->formats.extended.plainRightIndent = context->formats.currentStyle.rightIndent;
     context->text.room = static_cast<char *>(mifAllocateBytes(context, textRoom));
     return context->text.room != nullptr;
 }

@@ -68,6 +68,10 @@ int32_t fillOutput(MifContext *context, int32_t *percent)
             mifFail(context, MIF_REASON_MEMORY);
         }
         *percent = percentDone(context, false);
+        if (context->output.failed == 0 && *percent >= 100) {
+            mifTellDocumentEnd(context);
+            *percent = percentDone(context, false);
+        }
         if (context->output.failed == 0 && (context->output.outputFull != 0 || *percent >= 100)) {
             return MIF_SUCCESS;
         }

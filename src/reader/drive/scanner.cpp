@@ -121,6 +121,7 @@ private:
     Step whiteSpaceAndComment();
     Step giveBack();
     void begin();
+    void writeRowLayout();
     void noteLossOf(const char *step);
 
     bool atWord(const char *cursor, std::string_view word) const;
@@ -236,9 +237,8 @@ Step Scan<isExtended>::startTag()
         // In the extended stream its lines are steps like all others.
         return isExtended ? cutValue(mifEatWhiteSpace(nameEnd + 1)) : beginObject(nameStart);
     }
-    const MifTableState &tables = context_->tables;
-    if (tables.inRow != 0 && tables.rowLayoutPending != 0) {
-        mifWriteRowLayout(context_);
+    if constexpr (!isExtended) {
+        writeRowLayout();
     }
     return value(nameEnd + 1);
 }
@@ -342,6 +342,17 @@ void Scan<isExtended>::begin()
         if ((row.traits & TRAIT_BEGINNING) != 0) {
             row.beginning(context_);
         }
+        writeRowLayout();
+    }
+}
+
+// The layout of a table's rows waits for the first statement in one.
+template <bool isExtended>
+void Scan<isExtended>::writeRowLayout()
+{
+    const MifTableState &tables = context_->tables;
+    if (tables.inRow != 0 && tables.rowLayoutPending != 0) {
+        mifWriteRowLayout(context_);
     }
 }
 
