@@ -1,4 +1,5 @@
-// Whole documents: the expected listing of each, and sweeps over sizes, places and faults that must not change it.
+// Whole documents in both streams: the expected listing of each, and sweeps over sizes, places and faults that must not
+// change it.
 #include <algorithm>
 #include <filesystem>
 #include <string>
@@ -26,25 +27,50 @@ std::string shifted(const std::string &document, size_t shift)
     return result.insert(document.find('\n') + 1, padding);
 }
 
+// The parameter says whether it is the extended stream.
+class Documents : public testing::TestWithParam<bool>
+{
+protected:
+    bool isExtended() const
+    {
+        return GetParam();
+    }
+
+    std::vector<fs::path> documents() const
+    {
+        return isExtended() ? documentsOfBothStreams() : allDocuments();
+    }
+
+    // The conditions for this stream.
+    Conditions with(Conditions conditions) const
+    {
+        conditions.isExtended = isExtended();
+        return conditions;
+    }
+};
+
 } // namespace
 
-TEST(Documents, Listings)
+INSTANTIATE_TEST_SUITE_P(Plain, Documents, testing::Values(false));
+INSTANTIATE_TEST_SUITE_P(Extended, Documents, testing::Values(true));
+
+TEST_P(Documents, Listings)
 {
-    for (const fs::path &path : testDocuments()) {
+    for (const fs::path &path : isExtended() ? extendedDocuments() : testDocuments()) {
         fs::path expected = path;
-        EXPECT_EQ(listing(convert(readFile(path))), readFile(expected.replace_extension(".tokens"))) << path;
+        EXPECT_EQ(listing(convert(readFile(path), with({}))), readFile(expected.replace_extension(".tokens"))) << path;
     }
 }
 
 // One stream, and the same bytes of every object at whatever moment it is read, for all sizes of reads and buffers.
-TEST(Documents, OneStreamForAllHosts)
+TEST_P(Documents, OneStreamForAllHosts)
 {
-    for (const fs::path &path : allDocuments()) {
+    for (const fs::path &path : documents()) {
         const std::string document = readFile(path);
-        const Conversion whole = convert(document, {.objects = ObjectUse::readWhole});
+        const Conversion whole = convert(document, with({.objects = ObjectUse::readWhole}));
         const uint32_t largest = largestToken(whole.stream);
         const auto check = [&](const Conditions &conditions) {
-            const Conversion conversion = convert(document, conditions);
+            const Conversion conversion = convert(document, with(conditions));
             EXPECT_EQ(conversion.result, 0);
             EXPECT_TRUE(conversion.stream == whole.stream);
             for (const auto &[name, readings] : conversion.objects) {
@@ -68,48 +94,51 @@ TEST(Documents, OneStreamForAllHosts)
     }
 }
 
-TEST(Documents, BuffersThatAreTooSmall)
+TEST_P(Documents, BuffersThatAreTooSmall)
 {
-    for (const fs::path &path : allDocuments()) {
+    for (const fs::path &path : documents()) {
         const std::string document = readFile(path);
-        const std::string expected = convert(document).stream;
+        const std::string expected = convert(document, with({})).stream;
         for (uint32_t bufferSize = 0; bufferSize < largestToken(expected); ++bufferSize) {
-            const Conversion tooSmall = convert(document, {.bufferSize = bufferSize});
+            const Conversion tooSmall = convert(document, with({.bufferSize = bufferSize}));
             EXPECT_EQ(tooSmall.result, 6) << path << ' ' << bufferSize;
             EXPECT_TRUE(expected.starts_with(tooSmall.stream) && isWhole(tooSmall)) << path << ' ' << bufferSize;
         }
     }
 }
 
-TEST(Documents, OneStreamWhereverTheStretchesEnd)
+TEST_P(Documents, OneStreamWhereverTheStretchesEnd)
 {
-    for (const fs::path &path : allDocuments()) {
+    for (const fs::path &path : documents()) {
         const std::string document = readFile(path);
-        const std::string expected = convert(document).stream;
-        const size_t stride = path.parent_path() == MIFREADER_TEST_DOCUMENTS ? 1 : 61;
+        const std::string expected = withoutLosses(convert(document, with({})).stream);
+        const size_t stride = path.parent_path() == MIFREADER_EXAMPLES ? 61 : isExtended() ? 3 : 1;
         for (size_t shift = 0; shift <= 4096; shift += stride) {
-            EXPECT_TRUE(convert(shifted(document, shift)).stream == expected) << path << ' ' << shift;
+            EXPECT_TRUE(withoutLosses(convert(shifted(document, shift), with({})).stream) == expected)
+                << path << ' ' << shift;
         }
     }
 }
 
 // A document that ends anywhere is the same as one that is said to end there, and as a stream that ends before it was
 // said to.
-TEST(Documents, CutAnywhere)
+TEST_P(Documents, CutAnywhere)
 {
-    for (const fs::path &path : allDocuments()) {
+    for (const fs::path &path : documents()) {
         const std::string document = readFile(path);
         const auto size = static_cast<int32_t>(document.size());
         const size_t stride = document.size() / 6000 + (document.size() < 20000 ? 1 : 101);
         for (size_t length = 1; length < document.size(); length += stride) {
             const std::string cut = document.substr(0, length);
-            const Conversion conversion = convert(cut);
+            const Conversion conversion = convert(cut, with({}));
             EXPECT_TRUE(conversion.result == 0 ? conversion.percent == 100 : conversion.stream.empty());
             EXPECT_TRUE(isWhole(conversion)) << path << ' ' << length;
             if (length % 8 == 0) {
                 const auto stated = static_cast<int32_t>(length);
-                EXPECT_TRUE(convert(document, {.statedSize = stated}).stream == conversion.stream) << path << length;
-                EXPECT_TRUE(convert(cut, {.statedSize = size}).stream == conversion.stream) << path << ' ' << length;
+                EXPECT_TRUE(convert(document, with({.statedSize = stated})).stream == conversion.stream)
+                    << path << length;
+                EXPECT_TRUE(convert(cut, with({.statedSize = size})).stream == conversion.stream)
+                    << path << ' ' << length;
             }
         }
     }

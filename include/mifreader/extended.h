@@ -4,14 +4,16 @@
  *  1. Tokens have the head of the plain ones and codes from 64 up. A host that asks for version 1 knows all tokens of
  *     this header; later versions may add others.
  *  2. All text is UTF-8, well formed, and TOKEN_CHARSET says so with MIF_CHARSET_UTF_8. A text within a payload is a
- * u32 of its length in bytes and as many bytes, without a terminator.
+ *     u32 of its length in bytes and as many bytes, without a terminator.
  *  3. The plain tokens keep their layout. TOKEN_FONT's size is in whole points, cut; TOKEN_ATTRIBUTE tells each change
  *     of a mode, on and off, wherever it happens, and only what changed. Modes that are not told are off.
  *  4. Things are told where they stand in the file. What a reader of the document sees elsewhere (a note at its
  *     reference, a text box at its anchor) is the host's to place, by the identifiers.
  *  5. Leaving out the tokens of this header and all that stands between the begin and the end of notes and boxes, the
  *     sequence of TOKEN_PAGE_SETUP, TOKEN_TABLE_ROW, TOKEN_CELL_END, TOKEN_FRAME, TOKEN_LINE_BREAK and TOKEN_PARA_END
- * is the plain one, in a document without hidden conditions and without line breaks inside strings.
+ *     is the plain one, in a document without hidden conditions, without line breaks inside strings, and without notes
+ *     and anchors of frames in notes. As in the plain stream a TOKEN_FRAME may stand where tables are defined; a frame
+ *     that the text anchors has its TOKEN_ANCHOR before it.
  *  6. Begins and ends match and nest. Formats hold on over them: a note, a cell, a title and a box begin with formats
  * of their own and give the outer ones back, but that too is told as changes, before the text it applies to.
  */

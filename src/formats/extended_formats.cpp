@@ -43,7 +43,7 @@ void applyEntry(MifContext *context, const MifFormatEntry &entry, MifCharacters 
     }
 }
 
-// Begins from the defaults. What the document asks for stays where a catalog is read.
+// Begins from the defaults; a tag that the document does not define goes on with the format before. What the document asks for stays where a catalog is read.
 void selectParagraphFormat(MifContext *context, MifFormatEntry *entry)
 {
     MifFormatState &formats = context->formats;
@@ -58,12 +58,14 @@ void selectParagraphFormat(MifContext *context, MifFormatEntry *entry)
         mifResetCharacters(context);
         return;
     }
-    wanted.paragraph = {};
-    wanted.paragraphCharacters = {};
-    wanted.tabs.count = 0;
+    if (entry->isDefined != 0) {
+        wanted.paragraph = {};
+        wanted.paragraphCharacters = {};
+        wanted.tabs.count = 0;
+        applyEntry(context, *entry, wanted.paragraphCharacters, false);
+    }
     wanted.paragraph.tag = tag;
     wanted.isChanged = 0;
-    applyEntry(context, *entry, wanted.paragraphCharacters, false);
     mifResetCharacters(context);
 }
 
@@ -146,6 +148,7 @@ int mifTagParagraph(MifContext *context)
             return 0;
         }
         formats.pgfCatalog.pending = formats.inPgf;
+        entry->isDefined = formats.inPgf;
     }
     selectParagraphFormat(context, entry);
     return 1;

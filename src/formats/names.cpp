@@ -62,7 +62,7 @@ uint32_t glyphsOf(std::string_view family)
 uint32_t channel(double ink, double black)
 {
     const double covered = std::clamp((ink + black) / 100, 0.0, 1.0);
-    return static_cast<uint32_t>(255 * (1 - covered) + 0.5);
+    return (static_cast<uint32_t>(2 * 255 * (1 - covered)) + 1) / 2; // rounded
 }
 
 template <double MifInks::*ink>

@@ -47,7 +47,9 @@ inline constexpr uint32_t mostStoredStatements = 4096;
 struct MifFormatEntry : MifIndexNode {
     MifList<MifStoredStatement> statements;
     uint32_t statementCount;
-    // In the extended stream, of a paragraph format: what the plain stream would take for its tables.
+    // In the extended stream, of a paragraph format: whether the document defines it, and what the plain stream would
+    // take for its tables.
+    uint32_t isDefined;
     uint32_t statesLeftIndent;
     uint32_t statesRightIndent;
     int32_t leftIndent;

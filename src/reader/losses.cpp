@@ -3,6 +3,11 @@
 #include "reader/extended_tokens.h"
 #include "reader/source.h"
 
+int32_t mifLossPosition(const MifContext *context, const char *byte)
+{
+    return mifPositionOf(context, byte) - context->source.missing;
+}
+
 void mifNoteLoss(MifContext *context, uint32_t kind, int32_t position)
 {
     MifExtensionState &extension = context->extension;
@@ -28,7 +33,7 @@ void mifNoteLossHere(MifContext *context, uint32_t kind)
     const MifStatement *statement = context->scanner.statementStack;
     mifNoteLoss(context, kind,
                 statement != nullptr ? static_cast<const MifLocatedStatement *>(statement)->position
-                                     : mifPositionOf(context, context->source.scanPosition));
+                                     : mifLossPosition(context, context->source.scanPosition));
 }
 
 void mifTellRefusedRecords(MifContext *context)
@@ -36,7 +41,7 @@ void mifTellRefusedRecords(MifContext *context)
     const uint32_t refusals = context->extension.refusals;
     context->extension.refusals = 0;
     for (uint32_t index = 0; index < refusals; ++index) {
-        mifNoteLoss(context, MIF_LOSS_RECORD, mifPositionOf(context, context->source.scanPosition));
+        mifNoteLoss(context, MIF_LOSS_RECORD, mifLossPosition(context, context->source.scanPosition));
     }
 }
 

@@ -9,6 +9,9 @@
 
 inline constexpr uint32_t mostLossesTold = 1000;
 
+// The byte of the document that a byte in the source buffer is.
+int32_t mifLossPosition(const MifContext *context, const char *byte);
+
 // kind      a MIF_LOSS value
 // position  the byte of the document
 void mifNoteLoss(MifContext *context, uint32_t kind, int32_t position);

@@ -110,6 +110,7 @@ struct MifSourceState {
     int32_t carryLength;
     int32_t bytesRead; // taken from the stream so far, never more than totalSize
     int32_t totalSize;
+    int32_t missing;    // of the stated size, when the stream has ended before it
     uint32_t firstCall; // the next fill call is the document's first one
 };
 
@@ -173,6 +174,7 @@ struct MifExtensionState {
     uint32_t ended;          // the tokens of the document's end are written
     uint32_t refusals;       // allocations refused and not yet told as losses
     uint32_t lossesTold;
+    int32_t givenUpTo; // where what was given up last ends, as far as it is known
     MifLossCount losses[lossKinds];
 };
 

@@ -81,7 +81,7 @@ void tellCell(MifContext *context)
         rows = std::max(tables.cell.rows, 1);
         cover(tables, column, columns, rows);
     }
-    if (tables.isRowTold != 0 && isShown(context)) {
+    if (tables.isCellShown != 0) {
         mifWriteCell(context, tables.cell, columns, rows);
     }
 }
@@ -229,6 +229,7 @@ void mifBeginCell(MifContext *context)
         tables.isRowTold = 1;
         mifWriteByteToken(context, TOKEN_ROW, tables.rowKind);
     }
+    tables.isCellShown = tables.isRowTold != 0 && isShown(context) ? 1 : 0;
 }
 
 void mifBeginCellContent(MifContext *context)
@@ -238,12 +239,11 @@ void mifBeginCellContent(MifContext *context)
 
 int mifEndCell(MifContext *context)
 {
-    tellCell(context);
-    const int result = mifIsHidden(context) ? 1 : mifCell(context);
     if (mifOwnScope(context, SCOPE_CELL) != nullptr) {
         mifCloseScope(context);
     }
-    return result;
+    tellCell(context);
+    return mifIsHidden(context) ? 1 : mifCell(context); // whatever its own text's condition
 }
 
 int mifCellColumns(MifContext *context)

@@ -98,6 +98,7 @@ struct MifExtendedTableState {
     uint8_t rowKind;  // a MIF_ROW value
     uint32_t isRowTold;
     uint32_t isCellTold;
+    uint32_t isCellShown;   // the row is told, and no condition around the cell hides it
     int32_t nextColumn;     // of the next cell in the row
     int32_t coveredColumns; // cells that the one before covers
     int32_t *shownWidths;   // of the table's columns, owned; null for none

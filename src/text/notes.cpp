@@ -31,6 +31,7 @@ int mifTakeNote(MifContext *context)
             mifTellScopes(context); // an empty note is one, too
         }
         mifCloseScope(context);
+        context->pages.inNotes = 1; // whatever notes a table in it has brought
         return 1;
     }
     const char *value = mifUnquotedValue(context);

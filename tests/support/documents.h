@@ -40,6 +40,23 @@ inline std::vector<std::filesystem::path> allDocuments()
     return paths;
 }
 
+inline const std::filesystem::path extendedFolder = MIFREADER_TEST_DOCUMENTS "/extended";
+
+// Those that show what only the extended stream tells.
+inline std::vector<std::filesystem::path> extendedDocuments()
+{
+    return documentsIn(extendedFolder);
+}
+
+inline std::vector<std::filesystem::path> documentsOfBothStreams()
+{
+    std::vector<std::filesystem::path> paths = allDocuments();
+    for (const std::filesystem::path &path : extendedDocuments()) {
+        paths.push_back(path);
+    }
+    return paths;
+}
+
 } // namespace miftest
 
 #endif

@@ -293,6 +293,9 @@ MifContext *TestHost::open()
     const Guarded<uint32_t> stored;
     MifContext *context = mifAllocateContext(this, notify, stored.get(), services(), 0);
     EXPECT_EQ(*stored.get(), 1U);
+    if (context != nullptr && conditions_.isExtended) {
+        EXPECT_EQ(mifExtendStream(context, MIF_EXTENDED_VERSION, conditions_.encoding), 0);
+    }
     return context;
 }
 
@@ -499,16 +502,37 @@ bool isWhole(const Conversion &conversion)
     return true;
 }
 
-uint32_t largestToken(const std::string &stream)
+std::vector<std::string_view> tokensIn(const std::string &stream)
 {
-    uint32_t largest = 0;
+    std::vector<std::string_view> tokens;
     for (size_t position = 0; position + MIF_TOKEN_HEADER_SIZE <= stream.size();) {
         const auto byte = [&](size_t index) { return uint32_t{static_cast<uint8_t>(stream[position + index])}; };
         const uint32_t length = byte(1) | byte(2) << 8 | byte(3) << 16 | byte(4) << 24;
-        largest = std::max(largest, length);
+        tokens.push_back(std::string_view(stream).substr(position, length));
         position += std::max<uint32_t>(length, MIF_TOKEN_HEADER_SIZE);
     }
-    return largest;
+    return tokens;
+}
+
+std::string withoutLosses(const std::string &stream)
+{
+    std::string rest;
+    for (const std::string_view token : tokensIn(stream)) {
+        const auto code = static_cast<uint8_t>(token.front());
+        if (code != TOKEN_LOSS && code != TOKEN_LOSS_TOTAL) {
+            rest += token;
+        }
+    }
+    return rest;
+}
+
+uint32_t largestToken(const std::string &stream)
+{
+    size_t largest = 0;
+    for (const std::string_view token : tokensIn(stream)) {
+        largest = std::max(largest, token.size());
+    }
+    return static_cast<uint32_t>(largest);
 }
 
 std::string tokensOf(const std::string &flow)

@@ -17,9 +17,11 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mifhost/fonts.h"
+#include "mifreader/extended.h"
 #include "mifreader/reader.h"
 #include "support/guarded_memory.h"
 
@@ -55,6 +57,8 @@ enum class ObjectUse {
 
 // What the host does to the library.
 struct Conditions {
+    bool isExtended = false; // the stream that is asked for
+    uint32_t encoding = MIF_ENCODING_AUTO;
     size_t bytesPerRead = SIZE_MAX;
     uint32_t bufferSize = 1 << 18;
     int32_t statedSize = 0;                // what the host tells of the document's size
@@ -164,6 +168,12 @@ std::string bodyListing(const Conversion &conversion);
 
 // Whether the stream consists of whole and valid tokens.
 bool isWhole(const Conversion &conversion);
+
+// The tokens of the stream, each with its head, as views of it. It must be whole.
+std::vector<std::string_view> tokensIn(const std::string &stream);
+
+// What the stream holds but for losses, whose bytes tell where in the document they are.
+std::string withoutLosses(const std::string &stream);
 
 // The length of the stream's largest token.
 uint32_t largestToken(const std::string &stream);

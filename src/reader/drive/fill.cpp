@@ -46,6 +46,7 @@ bool prepareStretch(MifContext *context)
     // Nor is anything read later, after a read that failed or after a table without an end, whose replay has read the
     // rest of the document. A step that was to be completed by that read meets the document's end.
     MifSourceState &source = context->source;
+    source.missing = source.totalSize - mifPositionOf(context, source.bufferEnd);
     context->replay.readingStretch = 0;
     source.bytesRead = source.totalSize;
     return source.scanPosition != source.bufferEnd;

@@ -62,7 +62,7 @@ bool mifProcessStartTag(MifContext *context, const MifStatementEntry &row, char 
         return false;
     }
     if constexpr (isExtended) {
-        static_cast<MifLocatedStatement *>(statement)->position = mifPositionOf(context, context->source.scanPosition);
+        static_cast<MifLocatedStatement *>(statement)->position = mifLossPosition(context, context->source.scanPosition);
     }
     scanner.row = &row;
     if ((row.traits & TRAIT_FLAG) != 0) {
@@ -363,11 +363,16 @@ void Scan<isExtended>::noteLossOf(const char *step)
 {
     if (!mifMoreToRead(context_)) {
         if (*step == '<') {
-            mifNoteLoss(context_, MIF_LOSS_END, mifPositionOf(context_, step)); // and not those around it
+            mifNoteLoss(context_, MIF_LOSS_END, mifLossPosition(context_, step)); // and not those around it
         }
     } else if (source_.bufferEnd - step == sourceBufferSize) {
         const bool isComment = *step == '#' || *step == 'd' || *step == 'i';
-        mifNoteLoss(context_, isComment ? MIF_LOSS_COMMENT : MIF_LOSS_STATEMENT, mifPositionOf(context_, step));
+        const int32_t position = mifLossPosition(context_, step);
+        int32_t &givenUpTo = context_->extension.givenUpTo;
+        if (position != givenUpTo) { // else it is the rest of what was given up
+            mifNoteLoss(context_, isComment ? MIF_LOSS_COMMENT : MIF_LOSS_STATEMENT, position);
+        }
+        givenUpTo = position + sourceBufferSize;
     }
 }
 
