@@ -43,7 +43,7 @@ void writeTokens(Bytes bytes, Write write)
     mifhost::TokenDecoder decoder;
     while (bytes.size() >= 5) {
         const size_t length = bytes[1] | size_t{bytes[2]} << 8;
-        const bool isPossible = bytes[0] <= TOKEN_CHARSET && length >= 5 && length <= bytes.size() && bytes[3] == 0;
+        const bool isPossible = bytes[0] <= TOKEN_LOSS_TOTAL && length >= 5 && length <= bytes.size() && bytes[3] == 0;
         try {
             decoder.decode(bytes.first(isPossible ? length : 0));
             if (const mifhost::Token *token = decoder.next()) {

@@ -4,10 +4,10 @@
 set -euo pipefail
 cd -- "$(dirname -- "$0")/.."
 
-names() { grep -oP '^ *(row|inside|sets)\("\K\w+(?=")' src/reader/drive/statement_table.cpp; }
+names() { grep -ohP '^ .*\w\("\K\w+(?=")' src/reader/drive/{statement,extended}_table.cpp; }
 words() { git ls-files 'src/*.cpp' | xargs grep -hv '^ *#include' | grep -oP '"(\\.|[^"\\])+"' | sort -u; }
 
-[ "$(names | wc -l)" -ge 79 ]
+[ "$(names | wc -l)" -ge 196 ]
 words
 names | sed 's/.*/"<& "/'
 cat <<'END'
@@ -18,6 +18,8 @@ cat <<'END'
 "\x0a"
 "\x0d\x0a"
 "\\\\x8a "
+"\xc3\xbc"
+"\xe2\x82\xac"
 "\\\\t"
 "\\\\>"
 "\\\\Q"

@@ -54,16 +54,21 @@ void makeSeeds(const fs::path &folder, const fs::path &path)
 {
     const std::string whole = read(path);
     for (size_t piece = 0; piece < mostPieces && piece * pieceSize < whole.size(); ++piece) {
-        const std::string name = path.stem().string() + std::to_string(piece);
         std::string document(piece == 0 ? std::string_view() : beginning);
         document.append(whole, piece * pieceSize, pieceSize);
-        write(folder / "reader" / name, document + std::string(readerPlans[piece % std::size(readerPlans)]));
-        write(folder / "objects" / name, document.append(anchors).append(objectsPlan));
-        const miffuzz::Conditions conditions;
-        miffuzz::Session session(document, conditions);
-        session.fillAll();
-        write(folder / "tokens" / name, session.stream());
-        write(folder / "html" / name, session.stream());
+        const std::string_view readerPlan = readerPlans[piece % std::size(readerPlans)];
+        for (const bool isExtended : {false, true}) {
+            const std::string name = path.stem().string() + std::to_string(piece) + (isExtended ? "x" : "");
+            const std::string plan(1, isExtended ? '\1' : '\0');
+            write(folder / "reader" / name, document + plan + std::string(readerPlan));
+            const std::string anchored = document + std::string(anchors);
+            write(folder / "objects" / name, anchored + plan + std::string(objectsPlan));
+            const miffuzz::Conditions conditions{.isExtended = isExtended};
+            miffuzz::Session session(anchored, conditions);
+            session.fillAll();
+            write(folder / "tokens" / name, session.stream());
+            write(folder / "html" / name, session.stream());
+        }
     }
 }
 

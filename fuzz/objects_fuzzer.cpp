@@ -18,7 +18,7 @@ namespace miffuzz
 namespace
 {
 
-constexpr size_t planSize = 64;
+constexpr size_t planSize = 65;
 constexpr uint32_t fillSize = 4096;
 constexpr size_t mostObjects = 8;
 
@@ -143,10 +143,10 @@ void readBlocks(const Session &session)
 }
 
 // The same objects through the host library.
-void readWithHost(const Session &session, std::string_view document)
+void readWithHost(const Session &session, std::string_view document, bool isExtended)
 {
     mifhost::MemoryStream stream(document);
-    mifhost::Document reader(stream, {.bufferSize = 1 << 18});
+    mifhost::Document reader(stream, {.bufferSize = 1 << 18, .isExtended = isExtended});
     try {
         while (reader.next() != nullptr) {
         }
@@ -183,18 +183,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     using namespace miffuzz;
     std::string_view document(reinterpret_cast<const char *>(data), size);
-    const Plan plan(document, planSize);
+    Plan plan(document, planSize);
+    const bool isExtended = plan.u8() % 2 != 0;
 
-    Conditions conditions{.bufferSizes = {fillSize, fillSize}};
+    Conditions conditions{.bufferSizes = {fillSize, fillSize}, .isExtended = isExtended};
     Session whole(document, conditions);
     const std::string answers = operate(whole, plan);
     whole.fillAll();
     readBlocks(whole);
     if (whole.result() == MIF_SUCCESS && !whole.hadEnough()) {
-        readWithHost(whole, document);
+        readWithHost(whole, document, isExtended);
     }
 
-    Conditions piecewise{.bufferSizes = {fillSize, fillSize}, .readSizes = {1, 7, 50}};
+    Conditions piecewise{.bufferSizes = {fillSize, fillSize}, .readSizes = {1, 7, 50}, .isExtended = isExtended};
     Session pieces(document, piecewise);
     require(operate(pieces, plan) == answers, "the operations do not depend on the pieces");
     pieces.fillAll();

@@ -13,7 +13,7 @@ namespace miffuzz
 namespace
 {
 
-constexpr size_t planSize = 20;
+constexpr size_t planSize = 21;
 
 // What is done with objects between two calls.
 struct ObjectPlan {
@@ -112,12 +112,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     using namespace miffuzz;
     std::string_view input(reinterpret_cast<const char *>(data), size);
     Plan plan(input, planSize);
+    const uint32_t stream = plan.u8();
     const std::string document = inflated(input, plan);
 
-    Session expected(document, {});
+    Conditions conditions{.isExtended = stream % 2 != 0, .encoding = stream / 2 % 4};
+    Session expected(document, conditions);
     expected.fillAll();
 
-    Conditions conditions;
     for (uint32_t &bufferSize : conditions.bufferSizes) {
         bufferSize = plan.u16();
     }

@@ -14,7 +14,7 @@ cmake --build --preset fuzz -- --quiet
 build=build/fuzz
 mkdir -p "$build/findings"
 rm -rf "$build/seeds"
-"$build/fuzz/make_seeds" "$build/seeds" examples/*.mif tests/documents/*.mif
+"$build/fuzz/make_seeds" "$build/seeds" examples/*.mif tests/documents/{,extended/}*.mif
 fuzz/make-dictionary.sh >"$build/mif.dict"
 
 failed=0

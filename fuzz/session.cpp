@@ -4,8 +4,11 @@
 #include <cstring>
 #include <memory>
 
+#include <utf8.h>
+
 #include "check.h"
 #include "mifhost/error.h"
+#include "mifreader/extended.h"
 
 namespace miffuzz
 {
@@ -33,6 +36,10 @@ Session::Session(std::string_view document, const Conditions &conditions)
     context_ = reader_.mifAllocateContext(this, notify, &stored, memory_.services(), 0);
     require(stored == 1, "mifAllocateContext stores 1");
     if (context_ != nullptr) {
+        if (conditions.isExtended) {
+            require(mifExtendStream(context_, MIF_EXTENDED_VERSION, conditions.encoding) == MIF_SUCCESS,
+                    "the extended stream is there");
+        }
         result_ = reader_.mifInitDoc(context_, nullptr, conditions.statedSize, source_.record());
     }
 }
@@ -70,6 +77,7 @@ bool Session::fill()
     require(written <= size, "no more is written than the buffer holds");
     require(result_ != MIF_SUCCESS || percent_ == 100 || written != 0, "every call but the last gives tokens");
     takeTokens({buffer.get(), written});
+    require(result_ != MIF_SUCCESS || percent_ != 100 || open_.empty(), "what begins has an end");
     if (result_ != MIF_SUCCESS || percent_ == 100) {
         uint32_t further = 1;
         int32_t percent = 100;
@@ -97,9 +105,41 @@ void Session::takeTokens(std::span<const uint8_t> bytes)
             if (const auto *frame = std::get_if<mifhost::Frame>(token)) {
                 frames_.emplace_back(frame->id);
             }
+            if (conditions_.isExtended) {
+                checkExtended(*token);
+            }
         }
     } catch (const mifhost::StreamError &error) {
         require(false, error.what());
+    }
+}
+
+namespace
+{
+
+// Keeps the record of what is begun with a kind of token.
+template <typename Begin, typename End>
+void follow(const mifhost::Token &token, size_t begin, std::vector<size_t> &open)
+{
+    if (std::holds_alternative<Begin>(token)) {
+        open.push_back(begin);
+    } else if (std::holds_alternative<End>(token)) {
+        require(!open.empty() && open.back() == begin, "begins and ends match and nest");
+        open.pop_back();
+    }
+}
+
+} // namespace
+
+void Session::checkExtended(const mifhost::Token &token)
+{
+    follow<mifhost::NoteBegin, mifhost::NoteEnd>(token, 0, open_);
+    follow<mifhost::BoxBegin, mifhost::BoxEnd>(token, 1, open_);
+    follow<mifhost::TitleBegin, mifhost::TitleEnd>(token, 2, open_);
+    follow<mifhost::XRefBegin, mifhost::XRefEnd>(token, 3, open_);
+    follow<mifhost::TableOpen, mifhost::TableClose>(token, 4, open_);
+    if (const auto *text = std::get_if<mifhost::Text>(&token)) {
+        require(utf8::is_valid(text->bytes), "text is UTF-8");
     }
 }
 

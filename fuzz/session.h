@@ -31,6 +31,8 @@ struct Conditions {
     size_t lyingRead = 0;                // the nth read answers with an error value, counted from 1
     size_t memoryLimit = 0;              // bytes; 0 for none
     int32_t statedSize = 0;              // what the host tells of the document's size
+    bool isExtended = false;             // the stream that it asks for
+    uint32_t encoding = 0;               // a MIF_ENCODING value
     size_t mostOutput = size_t{4} << 20; // after so many bytes the host has enough
 };
 
@@ -99,6 +101,7 @@ public:
 private:
     static uint32_t notify(void *cookie, uint32_t code, void *data);
     void takeTokens(std::span<const uint8_t> bytes);
+    void checkExtended(const mifhost::Token &token);
     void checkMemory() const;
 
     std::string_view document_;
@@ -116,6 +119,7 @@ private:
     std::string stream_;
     uint32_t largestToken_ = 0;
     std::vector<std::string> frames_; // identifiers
+    std::vector<size_t> open_;        // what the extended stream has begun: indexes of the tokens that begin
 };
 
 } // namespace miffuzz

@@ -85,8 +85,8 @@ void HtmlWriter::put(const mifhost::TabLeaders &leaders)
 void HtmlWriter::enter(bool isHeld, std::int32_t note)
 {
     closeParagraph();
-    outers_.push_back(
-        {isHeld ? std::exchange(body_, {}) : std::string(), std::move(table_), paragraphGoesOn_, isHeld, note});
+    outers_.push_back({isHeld ? std::exchange(body_, {}) : std::string(), std::move(table_), paragraphGoesOn_, isHeld,
+                       note, std::exchange(coveredFrom_, {})});
     table_ = std::make_unique<HtmlTable>(body_);
     paragraphGoesOn_ = false;
 }
@@ -99,6 +99,7 @@ HtmlWriter::Outer HtmlWriter::leave()
     outers_.pop_back();
     table_ = std::move(outer.table);
     paragraphGoesOn_ = outer.paragraphGoesOn;
+    coveredFrom_ = outer.coveredFrom;
     if (outer.isHeld) {
         std::swap(body_, outer.body); // which is the note now
         notes_[outer.note].content = std::move(outer.body);
@@ -243,9 +244,8 @@ void HtmlWriter::put(const mifhost::Cell &cell)
         return;
     }
     table_->beginCell(cell);
-    cellIsCovered_ = cell.columns == 0;
-    if (cellIsCovered_ && outers_.empty()) {
-        hand(out_);
+    if (cell.columns == 0) {
+        coveredFrom_ = body_.size();
     }
 }
 

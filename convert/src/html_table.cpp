@@ -59,6 +59,8 @@ void HtmlTable::open(const mifhost::TableOpen &table, const Column &column)
     isExtended_ = true;
     columnsAreWritten_ = false;
     isFirstRow_ = true;
+    isCovered_ = false;
+    rowKind_ = mifhost::RowKind::Body;
     group_ = {};
     titlePlace_ = table.titlePlace;
     rulings_ = table.rulings;
@@ -73,7 +75,7 @@ void HtmlTable::open(const mifhost::TableOpen &table, const Column &column)
 
 void HtmlTable::beginTitle()
 {
-    if (!isExtended_ || columnsAreWritten_) {
+    if (!isExtended_ || columnsAreWritten_ || isInTitle_) {
         return;
     }
     out_ += titlePlace_ == mifhost::TitlePlace::Below ? "<caption class=\"below\">" : "<caption>";
@@ -94,6 +96,7 @@ void HtmlTable::beginRow(mifhost::RowKind kind)
     if (!isExtended_) {
         return;
     }
+    endTitle();
     appendColumns();
     closeRow();
     constexpr std::array<std::string_view, 3> groups = {"thead", "tbody", "tfoot"};
@@ -131,7 +134,8 @@ void HtmlTable::beginCell(const mifhost::Cell &cell)
     if (cellIsOpen_) {
         endCell();
     }
-    if (cell.columns == 0) {
+    isCovered_ = cell.columns == 0;
+    if (isCovered_) {
         ++cellsInRow_;
         return;
     }
@@ -247,10 +251,26 @@ void HtmlTable::appendColumns()
 
 void HtmlTable::openCell()
 {
-    if (cellIsOpen_ || isExtended_) {
+    if (cellIsOpen_ || isInTitle_ || isCovered_) {
+        return;
+    }
+    if (isExtended_) {
+        openCellOfNone();
         return;
     }
     out_ += cellsInRow_ == 0 ? "<tr><td>" : "<td>";
+    cellIsOpen_ = true;
+}
+
+// What stands in no cell gets one that takes up the rest of a row.
+void HtmlTable::openCellOfNone()
+{
+    if (!rowIsOpen_) {
+        beginRow(rowKind_);
+    }
+    const std::size_t columns = columnWidths_.size() - std::min(cellsInRow_, columnWidths_.size() - 1);
+    cellTag_ = "td";
+    fmt::format_to(std::back_inserter(out_), "<td colspan=\"{}\">", std::min<std::size_t>(columns, largestSpan));
     cellIsOpen_ = true;
 }
 
@@ -265,6 +285,7 @@ Column HtmlTable::cellColumn() const
 
 void HtmlTable::endCell()
 {
+    isCovered_ = false;
     if (isExtended_) {
         if (cellIsOpen_) {
             out_.append("</").append(cellTag_).append(">");

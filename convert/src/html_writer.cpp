@@ -62,7 +62,7 @@ HtmlWriter::HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mi
 void HtmlWriter::write(const mifhost::Token &token)
 {
     links_.write(token);
-    if (pageIsBegun_ && outers_.empty() && !cellIsCovered_) {
+    if (pageIsBegun_ && !isHeld()) {
         hand(out_);
     }
 }
@@ -79,6 +79,11 @@ void HtmlWriter::process(const mifhost::Token &token)
         }
     }
     std::visit([this](const auto &kind) { put(kind); }, token);
+}
+
+bool HtmlWriter::isHeld() const
+{
+    return !outers_.empty() || coveredFrom_;
 }
 
 void HtmlWriter::hand(std::string &out)
@@ -178,9 +183,9 @@ void HtmlWriter::put(const mifhost::CellEnd & /*end*/)
 {
     closeParagraph();
     paragraphGoesOn_ = false;
-    if (cellIsCovered_) {
-        cellIsCovered_ = false;
-        body_.clear();
+    if (coveredFrom_) {
+        body_.resize(*coveredFrom_);
+        coveredFrom_.reset();
     }
     if (table_->isOpen()) {
         table_->endCell();
@@ -277,11 +282,10 @@ void HtmlWriter::writeFrame(const mifhost::Frame &frame)
         line_.end();
     }
     // Its data go straight to the output, since they can be large.
-    const bool isHeld = !outers_.empty() || cellIsCovered_;
-    if (!isHeld) {
+    if (!isHeld()) {
         hand(out_);
     }
-    showFrame_(frame, isHeld ? body_ : out_);
+    showFrame_(frame, isHeld() ? body_ : out_);
     if (!standsAlone(frame)) {
         return;
     }

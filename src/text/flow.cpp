@@ -144,20 +144,3 @@ int mifKeepNumber(MifContext *context)
     mifRelease(context, std::exchange(paragraph->number, number));
     return 1;
 }
-
-void mifDropParagraphs(MifContext *context, uint32_t depth)
-{
-    MifOpenParagraph *&innermost = context->flow.paragraphs;
-    while (innermost != nullptr && innermost->depth >= depth) {
-        mifRelease(context, innermost->number);
-        mifRelease(context, std::exchange(innermost, innermost->enclosing));
-    }
-}
-
-void mifEndReference(MifContext *context, MifOpenParagraph *paragraph)
-{
-    if (paragraph != nullptr && paragraph->inXRef != 0) {
-        paragraph->inXRef = 0;
-        mifWriteBareToken(context, TOKEN_XREF_END);
-    }
-}

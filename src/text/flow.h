@@ -33,10 +33,4 @@ MifOpenParagraph *mifCurrentParagraph(const MifContext *context);
 // Statement handler, of PgfNumString.
 int mifKeepNumber(MifContext *context);
 
-// Drops the paragraphs that are nested so deep or deeper.
-void mifDropParagraphs(MifContext *context, uint32_t depth);
-
-// Ends the cross-reference that is open in the paragraph, if there is one.
-void mifEndReference(MifContext *context, MifOpenParagraph *paragraph);
-
 #endif

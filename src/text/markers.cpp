@@ -10,6 +10,7 @@
 #include "reader/units.h"
 #include "text/flow.h"
 #include "text/mif_text.h"
+#include "text/scopes.h"
 
 namespace
 {

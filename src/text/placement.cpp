@@ -53,6 +53,7 @@ void mifBeginTextFlow(MifContext *context)
 {
     MifFlowState &flow = context->flow;
     flow.flow = context->scanner.statementStack;
+    flow.flowParagraphs = context->scanner.openParagraphs;
     flow.hasPlace = 0;
     flow.isPlaceKnown = 0;
     flow.isLossTold = 0;
@@ -85,7 +86,11 @@ int mifPlaceText(MifContext *context)
         return 1;
     }
     const MifKnownTextRect *rect = findTextRect(context, id);
-    if (flow.hasPlace == 0 && flow.flow != nullptr && rect != nullptr && rect->isInFrame != 0) {
+    if (flow.hasPlace == 0 && flow.flow != nullptr && flow.scopes == nullptr && rect != nullptr &&
+        rect->isInFrame != 0) {
+        for (MifOpenParagraph *paragraph = flow.paragraphs; paragraph != nullptr; paragraph = paragraph->enclosing) {
+            mifEndReference(context, paragraph); // which would end in the box
+        }
         mifOpenScope(context, SCOPE_BOX, flow.flow, rect->frameId);
     }
     flow.hasPlace = 1;

@@ -58,6 +58,7 @@ struct MifScope {
     const MifStatement *owner; // whose end closes it
     uint32_t kind;             // SCOPE_NOTE ...
     int32_t id;                // of a note, or of a box's frame
+    uint32_t paragraphs;       // so many are open around it
     uint32_t isTold;           // its begin is written
     uint32_t isInReplay;       // it goes with the table that is being read
     // Of what is around it.
@@ -81,6 +82,7 @@ struct MifFlowState {
     uint32_t shownConditions; // those of them that are not hidden
     uint32_t isInBody;        // what pages.inBodyText is outside of notes and boxes
     const MifStatement *flow; // the TextFlow that is open; null outside of all
+    uint32_t flowParagraphs;  // so many are open around it
     uint32_t hasPlace;        // the flow has named a text rectangle
     uint32_t isPlaceKnown;    // one that there is
     uint32_t isLossTold;      // of text without a place, in this flow

@@ -1,5 +1,7 @@
 #include "text/scopes.h"
 
+#include <utility>
+
 #include "formats/tab_list.h"
 #include "mifreader/extended.h"
 #include "reader/extended_tokens.h"
@@ -53,6 +55,13 @@ void tellFrom(MifContext *context, MifScope *scope)
     tellBegin(context, *scope);
 }
 
+void freeParagraph(MifContext *context)
+{
+    MifOpenParagraph *&innermost = context->flow.paragraphs;
+    mifRelease(context, innermost->number);
+    mifRelease(context, std::exchange(innermost, innermost->enclosing));
+}
+
 } // namespace
 
 void mifOpenScope(MifContext *context, uint32_t kind, const MifStatement *owner, int32_t id)
@@ -66,7 +75,10 @@ void mifOpenScope(MifContext *context, uint32_t kind, const MifStatement *owner,
         return;
     }
     MifExtendedStyle &wanted = context->formats.extended.wanted;
-    *scope = {flow.scopes, owner, kind, id, 0, context->replay.readingStretch, flow.hidden, flow.outerHidden, wanted};
+    // That of a flow, which opens in its first paragraph, is around it.
+    const uint32_t paragraphs = kind == SCOPE_BOX ? flow.flowParagraphs : context->scanner.openParagraphs;
+    *scope = {flow.scopes,      owner, kind, id, paragraphs, 0, context->replay.readingStretch, flow.hidden,
+              flow.outerHidden, wanted};
     wanted = {};
     flow.scopes = scope;
     ++flow.scopeCount;
@@ -102,6 +114,7 @@ void mifCloseScope(MifContext *context)
 {
     MifFlowState &flow = context->flow;
     MifScope *scope = flow.scopes;
+    mifDropParagraphs(context, scope->paragraphs + 1);
     if (scope->isTold != 0) {
         tellEnd(context, *scope);
     }
@@ -146,6 +159,23 @@ void mifCloseScopes(MifContext *context)
     }
 }
 
+void mifEndReference(MifContext *context, MifOpenParagraph *paragraph)
+{
+    if (paragraph != nullptr && paragraph->inXRef != 0) {
+        paragraph->inXRef = 0;
+        mifWriteBareToken(context, TOKEN_XREF_END);
+    }
+}
+
+void mifDropParagraphs(MifContext *context, uint32_t depth)
+{
+    const MifFlowState &flow = context->flow;
+    while (flow.paragraphs != nullptr && flow.paragraphs->depth >= depth) {
+        mifEndReference(context, flow.paragraphs);
+        freeParagraph(context);
+    }
+}
+
 void mifFreeScopes(MifContext *context)
 {
     MifFlowState &flow = context->flow;
@@ -155,4 +185,7 @@ void mifFreeScopes(MifContext *context)
         mifRelease(context, scope);
     }
     flow.scopeCount = 0;
+    while (flow.paragraphs != nullptr) {
+        freeParagraph(context);
+    }
 }

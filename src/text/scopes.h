@@ -15,7 +15,8 @@ int mifEndDefinitions(MifContext *context);
 // The innermost scope when the statement that is being closed owns it and it is of that kind; else null.
 MifScope *mifOwnScope(const MifContext *context, uint32_t kind);
 
-// Closes the innermost scope, of which there must be one, and tells its end if its begin is told.
+// Closes the innermost scope, of which there must be one, and tells its end if its begin is told. Paragraphs that are
+// open in it end before it.
 void mifCloseScope(MifContext *context);
 
 // Writes the begins of the scopes that are not told yet, the outermost first.
@@ -28,6 +29,13 @@ bool mifInNoteOrBox(const MifContext *context);
 void mifCloseReplayedScopes(MifContext *context);
 void mifCloseScopes(MifContext *context);
 
+// Ends the cross-reference that is open in the paragraph, if there is one.
+void mifEndReference(MifContext *context, MifOpenParagraph *paragraph);
+
+// Drops the paragraphs that are nested so deep or deeper, with an end for what is open in them.
+void mifDropParagraphs(MifContext *context, uint32_t depth);
+
+// Frees scopes and paragraphs.
 void mifFreeScopes(MifContext *context);
 
 #endif

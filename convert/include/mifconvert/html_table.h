@@ -52,8 +52,7 @@ public:
     // Begins a cell. One that another covers is none, and what it holds is not shown.
     void beginCell(const mifhost::Cell &cell);
 
-    // Makes sure that a cell is open for content; a table must be. Nothing is to be done in a title, or where rows are
-    // told.
+    // Makes sure that a cell is open for content; a table must be. Nothing is to be done in a title.
     void openCell();
 
     // Where lines may stand in the cell that is open or comes next.
@@ -69,6 +68,7 @@ private:
     void appendTableTag(std::int64_t left);
     void appendColumns();
     void closeRow();
+    void openCellOfNone();
     void appendCellStyle(const mifhost::Cell &cell, std::size_t columns);
     const mifhost::Ruling &rulingAbove() const;
 
@@ -83,6 +83,7 @@ private:
     bool columnsAreWritten_ = false;
     bool isInTitle_ = false;
     bool rowIsOpen_ = false;
+    bool isCovered_ = false; // the cell that was begun last
     bool isFirstRow_ = true;
     std::string_view group_;   // the element around the rows
     std::string_view cellTag_; // of the open cell

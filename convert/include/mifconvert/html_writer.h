@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -109,6 +110,7 @@ private:
         bool paragraphGoesOn;
         bool isHeld;
         std::int32_t note;
+        std::optional<std::size_t> coveredFrom;
     };
 
     struct Note {
@@ -118,6 +120,7 @@ private:
 
     void process(const mifhost::Token &token);
     void beginPage();
+    bool isHeld() const;
     void hand(std::string &out);
     void enter(bool isHeld, std::int32_t note);
     Outer leave();
@@ -172,7 +175,7 @@ private:
     std::vector<Outer> outers_;
     std::map<std::int32_t, Note> notes_;
     std::size_t references_ = 0; // to notes, each note counted once
-    bool cellIsCovered_ = false;
+    std::optional<std::size_t> coveredFrom_; // of body_: what a cell holds that another covers
     bool pageIsBegun_ = false;
     bool paragraphIsOpen_ = false;
     bool paragraphGoesOn_ = false;  // a table stood in the paragraph

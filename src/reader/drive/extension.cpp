@@ -51,8 +51,8 @@ void mifLeaveTable(MifContext *context)
     if (context->extension.version == 0) {
         return;
     }
-    mifDropParagraphs(context, context->scanner.openParagraphs + 1);
     mifCloseReplayedScopes(context);
+    mifDropParagraphs(context, context->scanner.openParagraphs + 1);
     mifCloseTable(context);
 }
 
@@ -63,11 +63,8 @@ void mifTellDocumentEnd(MifContext *context)
         return;
     }
     extension.ended = 1;
-    for (MifOpenParagraph *paragraph = context->flow.paragraphs; paragraph != nullptr;
-         paragraph = paragraph->enclosing) {
-        mifEndReference(context, paragraph);
-    }
     mifCloseScopes(context);
+    mifDropParagraphs(context, 0);
     mifCloseTable(context);
     mifTellFindings(context);
     mifTellLossTotals(context);
@@ -83,6 +80,5 @@ void mifFreeExtension(MifContext *context)
     mifFreeMarkers(context);
     mifFreeTextRects(context);
     mifFreeScopes(context);
-    mifDropParagraphs(context, 0);
     mifRelease(context, std::exchange(context->text.room, nullptr));
 }
