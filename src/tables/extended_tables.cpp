@@ -28,19 +28,9 @@ bool isShown(const MifContext *context)
 // Tells the table before its title or its first row.
 void tellTable(MifContext *context)
 {
-    MifExtendedTableState &tables = context->tables.extended;
-    if (tables.isOpen != 0 || !isShown(context)) {
-        return;
+    if (isShown(context)) {
+        mifTellScopes(context);
     }
-    tables.isOpen = 1;
-    tables.shownColumns = mifLayOutColumns(context);
-    const size_t size = std::max<size_t>(static_cast<size_t>(tables.shownColumns), 1) * sizeof(int32_t);
-    mifRelease(context, tables.coveredRows);
-    tables.coveredRows = static_cast<int32_t *>(mifAllocateZeroedBytes(context, size));
-    if (tables.coveredRows == nullptr) {
-        tables.shownColumns = 0;
-    }
-    mifWriteTableOpen(context, tables.table, tables.shownColumns, tables.shownWidths);
 }
 
 // Whether a cell before it, or above it, covers the cell of that column; each cell is asked for once.
@@ -114,11 +104,11 @@ int setNumber(MifContext *context, int32_t MifExtendedCell::*field)
 void mifBeginTable(MifContext *context)
 {
     MifExtendedTableState &tables = context->tables.extended;
-    if (context->replay.readingStretch == 0 || tables.inTable != 0) {
+    if (context->replay.readingStretch == 0 || tables.inTable != 0 ||
+        !mifOpenScope(context, SCOPE_TABLE, context->scanner.statementStack)) {
         return;
     }
     tables.inTable = 1;
-    tables.isOpen = 0;
     tables.rowKind = MIF_ROW_BODY;
     tables.ownColumns.count = 0;
     tables.ownColumnCount = 0;
@@ -127,19 +117,12 @@ void mifBeginTable(MifContext *context)
 
 int mifEndTable(MifContext *context)
 {
-    tellTable(context);
-    mifCloseTable(context);
-    return mifTbl(context);
-}
-
-void mifCloseTable(MifContext *context)
-{
-    MifExtendedTableState &tables = context->tables.extended;
-    if (tables.isOpen != 0) {
-        mifWriteBareToken(context, TOKEN_TABLE_CLOSE);
+    if (mifOwnScope(context, SCOPE_TABLE) != nullptr) {
+        tellTable(context); // one without rows is one, too
+        mifCloseScope(context);
+        context->tables.extended.inTable = 0;
     }
-    tables.isOpen = 0;
-    tables.inTable = 0;
+    return mifTbl(context);
 }
 
 // An anchor that is hidden hides its table.

@@ -34,8 +34,6 @@ int mifCellRightRuling(MifContext *context);
 int mifCellBottomRuling(MifContext *context);
 int mifCellAngle(MifContext *context);
 
-// Closes the table that a replay leaves open.
-void mifCloseTable(MifContext *context);
 
 void mifFreeExtendedTables(MifContext *context);
 

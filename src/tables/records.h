@@ -93,8 +93,7 @@ struct MifExtendedTableState {
     MifColumnList ownColumns; // the widths that the table itself states
     int32_t ownColumnCount;
     int32_t column;   // that the format's statements are of
-    uint32_t inTable; // a table is being read at its anchor
-    uint32_t isOpen;  // its token is written
+    uint32_t inTable; // a table is being read at its anchor, and has a scope
     uint8_t rowKind;  // a MIF_ROW value
     uint32_t isRowTold;
     uint32_t isCellTold;

@@ -44,10 +44,6 @@ MifRuling *mifInternRuling(MifContext *context, const char *name);
 // The colour of the closing statement's value, null for none.
 const MifColor *mifColorOfValue(MifContext *context);
 
-// The widths of the table being read, as many as it has columns: its own, or its format's, or shares of the page.
-// Returns how many, with the widths in `table.shownWidths`.
-int32_t mifLayOutColumns(MifContext *context);
-
 void mifClearTableFormat(MifContext *context, MifTableFormat &format);
 void mifFreeTableFormats(MifContext *context);
 

@@ -51,7 +51,7 @@ struct MifOpenParagraph {
 };
 
 // What has formats and conditions of its own, and gives the outer ones back.
-enum : uint32_t { SCOPE_DEFINITIONS, SCOPE_ROW, SCOPE_CELL, SCOPE_TITLE, SCOPE_NOTE, SCOPE_BOX };
+enum : uint32_t { SCOPE_DEFINITIONS, SCOPE_TABLE, SCOPE_ROW, SCOPE_CELL, SCOPE_TITLE, SCOPE_NOTE, SCOPE_BOX };
 
 struct MifScope {
     MifScope *enclosing;

@@ -7,6 +7,7 @@
 #include "reader/extended_tokens.h"
 #include "reader/host_memory.h"
 #include "reader/token_bytes.h"
+#include "tables/table_layout.h"
 
 namespace
 {
@@ -19,6 +20,9 @@ void tellBegin(MifContext *context, MifScope &scope)
         break;
     case SCOPE_BOX:
         mifWriteRecord(context, TOKEN_BOX_BEGIN, {scope.id});
+        break;
+    case SCOPE_TABLE:
+        mifTellTable(context);
         break;
     case SCOPE_TITLE:
         mifWriteBareToken(context, TOKEN_TITLE_BEGIN);
@@ -37,6 +41,9 @@ void tellEnd(MifContext *context, const MifScope &scope)
         break;
     case SCOPE_BOX:
         mifWriteBareToken(context, TOKEN_BOX_END);
+        break;
+    case SCOPE_TABLE:
+        mifWriteBareToken(context, TOKEN_TABLE_CLOSE);
         break;
     case SCOPE_TITLE:
         mifWriteBareToken(context, TOKEN_TITLE_END);
@@ -64,15 +71,15 @@ void freeParagraph(MifContext *context)
 
 } // namespace
 
-void mifOpenScope(MifContext *context, uint32_t kind, const MifStatement *owner, int32_t id)
+bool mifOpenScope(MifContext *context, uint32_t kind, const MifStatement *owner, int32_t id)
 {
     MifFlowState &flow = context->flow;
     if (flow.scopeCount == mostScopes) {
-        return;
+        return false;
     }
     auto *scope = static_cast<MifScope *>(mifAllocateBytes(context, sizeof(MifScope)));
     if (scope == nullptr) {
-        return;
+        return false;
     }
     MifExtendedStyle &wanted = context->formats.extended.wanted;
     // That of a flow, which opens in its first paragraph, is around it.
@@ -88,6 +95,7 @@ void mifOpenScope(MifContext *context, uint32_t kind, const MifStatement *owner,
         flow.outerHidden = 0; // they stand elsewhere
         context->pages.inBodyText = 1;
     }
+    return true;
 }
 
 void mifBeginDefinitions(MifContext *context)

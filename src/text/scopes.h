@@ -1,12 +1,13 @@
-// Scopes of the extended stream: notes, boxes, titles, rows and cells, which have formats and conditions of their own.
+// Scopes of the extended stream: notes, boxes, tables, titles, rows and cells, which have formats and conditions of
+// their own.
 #ifndef MIFREADER_SRC_TEXT_SCOPES_H
 #define MIFREADER_SRC_TEXT_SCOPES_H
 
 #include "reader/context.h"
 
 // Opens a scope that an open statement owns, with no format and no condition. Its begin is told with its first content.
-// Nothing opens when there are mostScopes or memory is exhausted: the formats around go on.
-void mifOpenScope(MifContext *context, uint32_t kind, const MifStatement *owner, int32_t id = 0);
+// Returns false, and opens none, when there are mostScopes or memory is exhausted: the formats around go on.
+bool mifOpenScope(MifContext *context, uint32_t kind, const MifStatement *owner, int32_t id = 0);
 
 // The beginning and the end of definitions, frames and pages, whose formats are not those of the text.
 void mifBeginDefinitions(MifContext *context);

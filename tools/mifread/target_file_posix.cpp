@@ -1,6 +1,7 @@
 #include "target_file.h"
 
 #include <cerrno>
+#include <charconv>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -64,12 +65,14 @@ public:
     FileDescriptor folder;
     std::string name; // in the folder
     struct stat status {
-    }; // of what has the name; all zeros if there is nothing, a link's if it leads to no path
+    };                   // of what has the name; all zeros if there is nothing, a link's if it leads to no path
+    FileDescriptor open; // what the program was started with, when the path names it as /dev/stdout does
 
 private:
     void start(const fs::path &path);
     FileDescriptor enter(Missing missing);
     bool follow(const FileDescriptor &link);
+    FileDescriptor openAlready() const;
     void requireTrust() const;
 
     const char *what_;
@@ -95,7 +98,8 @@ Walk::Walk(const fs::path &path, const char *what, Missing missing) : what_(what
                 errno = ELOOP;
                 fail(what_);
             }
-            if (!follow(entry)) {
+            open = openAlready();
+            if (open.get() >= 0 || !follow(entry)) {
                 return;
             }
         } else if (rest_.empty()) {
@@ -169,6 +173,25 @@ bool Walk::follow(const FileDescriptor &link)
     return true;
 }
 
+// A copy of the descriptor that a link of the system stands for in the program's own list of them. What it was started
+// with is inherited; what it has opened itself is not.
+FileDescriptor Walk::openAlready() const
+{
+    struct stat own {
+    };
+    const struct stat place = statusOf(folder, what_);
+    const bool isOwn =
+        rest_.empty() && stat("/proc/self/fd", &own) == 0 && own.st_dev == place.st_dev && own.st_ino == place.st_ino;
+    const std::string digits = isOwn ? name : "";
+    int number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const int flags = error == std::errc() ? fcntl(number, F_GETFD) : -1;
+    if (flags < 0 || (flags & FD_CLOEXEC) != 0) {
+        return FileDescriptor();
+    }
+    return FileDescriptor(fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+}
+
 void Walk::requireTrust() const
 {
     const struct stat place = statusOf(folder, what_);
@@ -232,7 +255,7 @@ TargetFile::TargetFile(const fs::path &path)
     const bool exists = walk.status.st_mode != 0;
     isDirect_ = exists && !S_ISREG(walk.status.st_mode);
     if (isDirect_) {
-        file_ = openAsItIs(walk);
+        file_ = walk.open.get() >= 0 ? std::move(walk.open) : openAsItIs(walk);
         return;
     }
     const Mode mode = exists ? modeOfPresent(walk) : Mode{usualMode, false};

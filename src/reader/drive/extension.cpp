@@ -53,7 +53,7 @@ void mifLeaveTable(MifContext *context)
     }
     mifCloseReplayedScopes(context);
     mifDropParagraphs(context, context->scanner.openParagraphs + 1);
-    mifCloseTable(context);
+    context->tables.extended.inTable = 0;
 }
 
 void mifTellDocumentEnd(MifContext *context)
@@ -65,7 +65,6 @@ void mifTellDocumentEnd(MifContext *context)
     extension.ended = 1;
     mifCloseScopes(context);
     mifDropParagraphs(context, 0);
-    mifCloseTable(context);
     mifTellFindings(context);
     mifTellLossTotals(context);
 }
