@@ -98,11 +98,11 @@ void HtmlWriter::finish()
     if (!pageIsBegun_) {
         beginPage();
     }
-    closeParagraph();
-    table_->end();
     while (!outers_.empty()) { // of a stream that is cut
         leave();
     }
+    closeParagraph();
+    table_->end();
     finishNotes();
     hand(out_);
     appendPageEnd(out_);

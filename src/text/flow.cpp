@@ -121,7 +121,10 @@ int mifEndParagraph(MifContext *context)
 MifOpenParagraph *mifCurrentParagraph(const MifContext *context)
 {
     MifOpenParagraph *paragraph = context->flow.paragraphs;
-    return paragraph != nullptr && paragraph->depth == context->scanner.openParagraphs ? paragraph : nullptr;
+    const MifScope *scope = context->flow.scopes;
+    const bool isAround = paragraph != nullptr && scope != nullptr && scope->paragraphs >= paragraph->depth;
+    const bool isOwn = paragraph != nullptr && paragraph->depth == context->scanner.openParagraphs;
+    return isOwn && !isAround ? paragraph : nullptr;
 }
 
 int mifKeepNumber(MifContext *context)

@@ -27,7 +27,7 @@ bool mifBeginText(MifContext *context);
 void mifBeginParagraph(MifContext *context);
 int mifEndParagraph(MifContext *context);
 
-// The innermost paragraph, when it is that of the statements now open; else null.
+// The innermost paragraph, when it is that of the statements now open and in the innermost scope; else null.
 MifOpenParagraph *mifCurrentParagraph(const MifContext *context);
 
 // Statement handler, of PgfNumString.

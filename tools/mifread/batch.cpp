@@ -72,14 +72,6 @@ void makeFolderOf(const std::string &file, const Options &options, Claims &claim
     }
 }
 
-void waitForInput(int file)
-{
-    if (!system::waitToRead(file)) {
-        throw Interrupted();
-    }
-    throwIfInterrupted(); // what never ends is always ready
-}
-
 // Throws when a document has to end: asked for again and again, on the thread that converts it.
 class Deadline
 {

@@ -18,11 +18,40 @@ namespace fs = std::filesystem;
 
 constexpr const char *standardStream = "-";
 
+constexpr int mostLinks = 40; // as the system has it
+
+// Where the first link in the path, which leads to something that is not there yet, leads to; the path when it has
+// none.
+fs::path followDangling(const fs::path &path)
+{
+    std::error_code error;
+    fs::path place;
+    for (auto component = path.begin(); component != path.end(); ++component) {
+        const fs::path folder = place;
+        place /= *component;
+        if (!fs::is_symlink(place, error)) {
+            continue;
+        }
+        place = folder / fs::read_symlink(place, error);
+        while (++component != path.end()) {
+            place /= *component;
+        }
+        return error ? path : place;
+    }
+    return path;
+}
+
 fs::path resolve(const fs::path &path)
 {
     std::error_code error;
-    const fs::path result = fs::weakly_canonical(fs::absolute(path, error), error);
-    const fs::path place = error ? path : result;
+    fs::path place = fs::absolute(path, error);
+    for (int links = 0; links <= mostLinks; ++links) {
+        const fs::path known = fs::weakly_canonical(place, error);
+        place = error ? path : followDangling(known);
+        if (place == known || error) {
+            break;
+        }
+    }
     return place.has_filename() ? place : place.parent_path(); // without a slash at the end
 }
 

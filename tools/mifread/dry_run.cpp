@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "display.h"
+#include "interruption.h"
 #include "output.h"
 #include "paths.h"
 #include "plan.h"
@@ -56,6 +57,7 @@ ExitCode showPlan(const std::vector<Input> &inputs, const Options &options, cons
     Report report("");
     OutputFile lines("-");
     for (const Input &input : inputs) {
+        throwIfInterrupted();
         Outcome outcome;
         if (const std::string failure = findFailure(input); !failure.empty()) {
             outcome.code = ExitCode::Io;

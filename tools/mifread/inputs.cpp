@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "interruption.h"
 #include "mifhost/error.h"
 #include "mifhost/stream.h"
 #include "paths.h"
@@ -50,6 +51,7 @@ void listFolder(const fs::path &folder, const fs::path &results, Inputs &found)
     std::error_code error;
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        throwIfInterrupted();
         const fs::path &path = entry->path();
         std::error_code ignored;
         std::error_code reason;
@@ -96,6 +98,7 @@ void listTree(const fs::path &folder, Inputs &inputs)
 
 void addInputs(const std::string &name, bool recursive, Inputs &inputs)
 {
+    throwIfInterrupted();
     const fs::path path = pathOf(name);
     std::error_code ignored;
     if (name == "-") {
@@ -111,7 +114,7 @@ void addInputs(const std::string &name, bool recursive, Inputs &inputs)
 
 std::string readWhole(const std::string &path)
 {
-    mifhost::FileStream file(path);
+    mifhost::FileStream file(path, {mifhost::Stream::largestDocument, waitForInput});
     std::string text(static_cast<std::size_t>(file.size()), '\0');
     std::size_t done = 0;
     while (done < text.size()) {

@@ -37,4 +37,12 @@ void throwIfInterrupted()
     }
 }
 
+void waitForInput(int file)
+{
+    if (!system::waitToRead(file)) {
+        throw Interrupted();
+    }
+    throwIfInterrupted(); // what never ends is always ready
+}
+
 } // namespace mifread

@@ -22,6 +22,9 @@ int caughtSignal() noexcept;
 
 void throwIfInterrupted();
 
+// Waits until a descriptor can be read from, or throws Interrupted.
+void waitForInput(int file);
+
 // Has all conversions end as if that signal had come.
 void interruptBy(int signal) noexcept;
 

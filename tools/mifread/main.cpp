@@ -44,6 +44,16 @@ const std::map<std::string, std::uint32_t> encodings = {{"auto", MIF_ENCODING_AU
                                                         {"windows-1252", MIF_ENCODING_WINDOWS_1252},
                                                         {"utf-8", MIF_ENCODING_UTF_8}};
 const CLI::Validator isPositive([](const std::string &value) { return value == "0" ? "must be more than 0" : ""; }, "");
+const CLI::Validator
+    isNotNegative([](std::string &value) { return value.starts_with('-') ? "must not be negative" : ""; }, "");
+const CLI::Validator isSeconds(
+    [](const std::string &value) {
+        constexpr double most = 1e9;
+        double seconds = 0;
+        const bool isNumber = CLI::detail::lexical_cast(value, seconds) && seconds >= 0 && seconds <= most;
+        return isNumber ? "" : "must be a number of seconds from 0 to 1e9";
+    },
+    "");
 const CLI::Validator isNotEmpty([](const std::string &value) { return value.empty() ? "must not be empty" : ""; }, "");
 
 // Adds an option whose value is a number of bytes, as such or with a unit.
@@ -51,7 +61,7 @@ template <typename Size>
 CLI::Option *addSize(CLI::App &command, const char *name, Size &value, const char *description)
 {
     CLI::Option *option = command.add_option(name, value, description);
-    return option->type_name("SIZE")->transform(CLI::AsSizeValue(false).description(""));
+    return option->type_name("SIZE")->transform(CLI::AsSizeValue(false).description(""))->transform(isNotNegative);
 }
 
 // Adds a command that takes one document.
@@ -82,7 +92,7 @@ CLI::App *addCommand(CLI::App &program, const char *name, const char *descriptio
                      "The most processor time for a document, 0 for any; if not given, 300 for each of several "
                      "documents, any for one")
         ->type_name("SECONDS")
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
+        ->check(isSeconds);
     addSize(*command, "--buffer", options.bufferSize, "The reader's token buffer, 65536 bytes if not given")
         ->check(CLI::Range(std::uint32_t{1}, mifhost::DocumentOptions::largestBuffer));
     command
@@ -220,10 +230,8 @@ void addText(CLI::App &program, Options &options, mifread::Command &command)
 {
     CLI::App *text = addBatchCommand(program, "text", "Write the text of documents, in UTF-8", options);
     addFolder(*text, options);
-    text->callback([&] {
-        const bool toStandardOutput = options.folder.empty() && options.output == "-";
-        command = mifread::textCommand(toStandardOutput && mifread::system::isTerminal(STDOUT_FILENO));
-    });
+    text->callback(
+        [&] { command = mifread::textCommand(options.folder.empty() && mifread::leadsToTerminal(options.output)); });
 }
 
 void addHtml(CLI::App &program, Options &options, mifread::Command &command)

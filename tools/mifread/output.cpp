@@ -32,6 +32,11 @@ void makeFolder(const fs::path &folder)
     }
 }
 
+bool leadsToTerminal(const std::string &path)
+{
+    return path == "-" ? system::isTerminal(STDOUT_FILENO) : system::isTerminal(pathOf(path));
+}
+
 Output::Output(std::string name) : name_(std::move(name))
 {
     text_.reserve(2 * blockSize);

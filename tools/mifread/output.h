@@ -25,6 +25,9 @@ public:
 // Makes a folder and those that it is in, where they are missing. Throws OutputError.
 void makeFolder(const std::filesystem::path &folder);
 
+// Whether what is written to a path, "-" for standard output, is shown on a terminal.
+bool leadsToTerminal(const std::string &path);
+
 // Collects text and writes it in large blocks. What cannot be written is thrown as OutputError; a signal that comes
 // while nobody reads from a pipe, as Interrupted.
 class Output

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "interruption.h"
 #include "paths.h"
 
 namespace mifread
@@ -67,6 +68,7 @@ std::string Plan::make()
 void Plan::addInputs()
 {
     for (const Input &input : inputs_) {
+        throwIfInterrupted();
         claims_.addInput(input.path);
     }
     for (const std::string &file : {options_.list, options_.plugin}) {
@@ -82,6 +84,7 @@ void Plan::findPaths()
     // A single document has the folder for itself.
     const bool isAlone = options_.inputs.size() == 1 && options_.list.empty() && !options_.recursive;
     for (Input &input : inputs_) {
+        throwIfInterrupted();
         if (!input.failure.empty()) {
             continue;
         }
@@ -115,6 +118,7 @@ std::string Plan::findTwins()
 {
     std::map<fs::path, Input *> places;
     for (Input &input : inputs_) {
+        throwIfInterrupted();
         if (!input.failure.empty()) {
             continue;
         }
@@ -139,6 +143,7 @@ std::string Plan::claimResults()
         return "";
     }
     for (Input &input : inputs_) {
+        throwIfInterrupted();
         if (!input.failure.empty()) {
             continue;
         }

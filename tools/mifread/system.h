@@ -28,6 +28,9 @@ void prepareStandardStreams();
 // Whether a descriptor is a terminal that understands escape sequences.
 bool isTerminal(int file) noexcept;
 
+// Whether a path is that of a terminal. Where the system cannot tell it is none.
+bool isTerminal(const std::filesystem::path &path) noexcept;
+
 // A descriptor of its own for the file that is standard output, above those of the standard streams, not inherited by
 // programs that are started. -1 with errno set if there can be none.
 int openStandardOutput() noexcept;

@@ -69,6 +69,20 @@ bool isTerminal(int file) noexcept
     return isatty(file) == 1;
 }
 
+// Only a device is opened to ask: somebody may wait for a pipe to be opened.
+bool isTerminal(const std::filesystem::path &path) noexcept
+{
+    struct stat status {
+    };
+    if (stat(path.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) {
+        return false;
+    }
+    const int file = open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const bool isOne = isTerminal(file);
+    close(file);
+    return isOne;
+}
+
 int openStandardOutput() noexcept
 {
     return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);

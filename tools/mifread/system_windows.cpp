@@ -67,6 +67,11 @@ bool isTerminal(int file) noexcept
            SetConsoleMode(handleOf(file), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
+bool isTerminal(const std::filesystem::path & /*path*/) noexcept
+{
+    return false;
+}
+
 int openStandardOutput() noexcept
 {
     return _dup(STDOUT_FILENO);

@@ -221,14 +221,15 @@ FileDescriptor openAsItIs(const Walk &place)
     return file;
 }
 
-struct Mode {
-    mode_t bits;
-    bool isExact; // the user's mask is not looked at
+// Who may do what with the file that takes the place of a present one, which the user must be allowed to write.
+struct Rights {
+    mode_t mode = usualMode;
+    bool areExact = false; // the user's mask is not looked at
+    gid_t group = 0;       // when they are exact
 };
 
-// The mode of the file that takes the place of a present one, which the user must be allowed to write. Of a file that
-// somebody else made it is what the user's own files may have, too.
-Mode modeOfPresent(const Walk &place)
+// Of a file that somebody else made it is what the user's own files may have, too.
+Rights rightsOfPresent(const Walk &place)
 {
     // Opening it is the one sure way to know. What took its place meanwhile is not waited for.
     const FileDescriptor file(
@@ -238,7 +239,14 @@ Mode modeOfPresent(const Walk &place)
     }
     const struct stat status = statusOf(file, cannotOpen);
     const bool isOwn = status.st_uid == geteuid();
-    return {status.st_mode & (isOwn ? permissions : usualMode), isOwn};
+    return {status.st_mode & (isOwn ? permissions : usualMode), isOwn, status.st_gid};
+}
+
+// Gives a file of one's own the rights of another one. A group that cannot be taken over loses its rights.
+void takeOver(const FileDescriptor &file, const Rights &rights)
+{
+    const bool hasGroup = fchown(file.get(), static_cast<uid_t>(-1), rights.group) == 0;
+    fchmod(file.get(), hasGroup ? rights.mode : rights.mode & ~static_cast<mode_t>(S_IRWXG));
 }
 
 } // namespace
@@ -258,18 +266,20 @@ TargetFile::TargetFile(const fs::path &path)
         file_ = walk.open.get() >= 0 ? std::move(walk.open) : openAsItIs(walk);
         return;
     }
-    const Mode mode = exists ? modeOfPresent(walk) : Mode{usualMode, false};
+    const Rights rights = exists ? rightsOfPresent(walk) : Rights();
+    // Until it has the group its rights are for.
+    const mode_t mode = rights.areExact ? rights.mode & ~static_cast<mode_t>(S_IRWXG) : rights.mode;
     folder_ = std::move(walk.folder);
     for (int number = 0; file_.get() < 0; ++number) {
         temporary_ = ".mifread-" + std::to_string(getpid()) + "-" + std::to_string(number) + ".tmp";
         file_ = FileDescriptor(
-            openat(folder_.get(), temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode.bits));
+            openat(folder_.get(), temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
         if (file_.get() < 0 && errno != EEXIST) {
             fail(cannotOpen);
         }
     }
-    if (mode.isExact) { // what the user's mask took from it
-        fchmod(file_.get(), mode.bits);
+    if (rights.areExact) {
+        takeOver(file_, rights);
     }
 }
 
