@@ -18,6 +18,8 @@ run 2 'no command; give one of text, '
 run 2 'there are text, .*mifread text good.mif\?' good.mif
 run 2 'Did you mean: mifread text\?' txt good.mif
 run 2 'max-memory: must be more than 0$' text --max-memory 0 good.mif
+for limit in memory work input output; do run 2 "max-$limit: must not be negative\$" text --max-$limit -5 good.mif; done
+for time in -1 nan inf 1e400 soon; do run 2 '--timeout: must be a number of seconds from 0 to 1e9$' text --timeout $time good.mif; done
 "$mifread" --help 2>err >/dev/full; [ $? -eq 3 ] || fail 'help on a full disk'
 { printf '<MIFFile 5>%s<TextRectID 9>' "$body"; for i in {1..20000}; do echo "<Para <String \`line $i'>>"; done; } >lines.mif
 for command in text json; do
@@ -42,12 +44,20 @@ run 4 'random: .*MIF' text random; silent
 printf '\xef\xbb\xbf<MIFFile 5>' >bom
 iconv -t UTF-16 good.mif >utf16
 iconv -t UTF-16LE good.mif >utf16le
+iconv -t UTF-16BE good.mif >utf16be
+iconv -t UTF-32 good.mif >utf32
+iconv -t UTF-32BE good.mif >utf32be
+printf '\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\1\0\0\0\1\x8\2\0\0\0' >picture
 gzip -c good.mif >zipped
 printf '<Book 5.00>' >book
 printf '%%PDF-1.4\n' >pdf
 run 4 'bom: .*byte order mark' text bom
 run 4 'utf16: .*iconv -f UTF-16 ' text utf16
 run 4 'utf16le: .*iconv -f UTF-16LE ' text utf16le
+run 4 'utf16be: .*iconv -f UTF-16BE ' text utf16be
+run 4 'utf32: .*iconv -f UTF-32 ' text utf32
+run 4 'utf32be: .*iconv -f UTF-32BE ' text utf32be
+run 4 'picture: .*type is image/png$' text picture
 run 4 'zipped: .*gunzip' text zipped
 run 4 'book: .*a book' text book
 run 4 'pdf: .*type is application/pdf$' text pdf

@@ -61,11 +61,21 @@ OBJECTS = (SOURCE / "tests/documents/objects.mif").read_bytes()
 NOBODY = 65534
 
 
+def drop_capability(number):
+    """What root may then no longer do in the program that is run next."""
+    drop_from_bounding_set = 24
+    if os.geteuid() == 0:
+        ctypes.CDLL(None).prctl(drop_from_bounding_set, number)
+
+
 def obey_permissions():
     """For preexec_fn: not even root may write what its permissions forbid."""
-    if os.geteuid() == 0:
-        drop_from_bounding_set, may_override = 24, 1
-        ctypes.CDLL(None).prctl(drop_from_bounding_set, may_override)
+    drop_capability(1)
+
+
+def keep_groups():
+    """For preexec_fn: not even root may give a file to a group that it is not in."""
+    drop_capability(0)
 
 
 class Files(InFolder):
@@ -127,6 +137,23 @@ class Files(InFolder):
         self.write("d3/a/1.png.mif", OBJECTS)
         _, errors = self.mifread("objects", "-r", "d3", "-d", "out3", code=1)
         self.assertIn(b"d3/a.mif: out3/a/1.png would be both a file and a folder", errors)
+        # So are those that links lead to that lead nowhere yet.
+        (self.folder / "out4").mkdir()
+        (self.folder / "out4/a").symlink_to("b")
+        (self.folder / "soon").symlink_to("soonest")
+        (self.folder / "soonest").symlink_to("out5/6.jpg")
+        (self.folder / "out5").mkdir()
+        _, errors = self.mifread("objects", "-r", "d2", "-d", "out4", code=3)
+        self.assertIn(b"out4/b would be written twice: for d2/a.MIF and d2/b.mif", errors)
+        _, errors = self.mifread("objects", "d1/a.mif", "-d", "out5", "-o", "soon", code=3)
+        self.assertIn(b"out5/6.jpg would be written twice", errors)
+
+    def test_an_open_file_is_added_to(self):
+        for path in "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1":
+            script = f"echo before; '{MIFREAD}' text a.mif -o {path}; echo after"
+            subprocess.run(["sh", "-c", f"{{ {script}; }} >result"], cwd=self.folder, check=True)
+            self.assertEqual((self.folder / "result").read_text(), "before\nhello\nafter\n", path)
+        self.mifread("text", "a.mif", "-o", "/dev/fd/99", code=3)
 
     def test_no_input_is_written(self):
         self.write("1.png", OBJECTS)
@@ -178,6 +205,14 @@ class Files(InFolder):
         results = [stat.S_IMODE((self.folder / name).stat().st_mode) for name in ("own.txt", "foreign.txt", "new.txt")]
         self.assertEqual(results, [0o751, 0o640 if os.geteuid() == 0 else 0o777, 0o640])
         self.assertEqual(foreign.stat().st_uid, os.geteuid())
+        if os.geteuid() == 0:
+            for group, mode, keeps in (NOBODY, 0o664, True), (NOBODY, 0o664, False):
+                os.chown(own, 0, group)
+                own.chmod(mode)
+                self.mifread("text", "a.mif", "-o", "own.txt", **({} if keeps else {"preexec_fn": keep_groups}))
+                result = own.stat()
+                self.assertEqual((result.st_gid, stat.S_IMODE(result.st_mode)),
+                                 (group, mode) if keeps else (os.getegid(), 0o604))
 
     def test_a_read_only_file_is_left_alone(self):
         for path in self.write("kept.txt", b"kept"), self.write("out/a.txt", b"kept"):
@@ -310,12 +345,12 @@ class Costs(InFolder):
             left = [path for path in self.folder.rglob("*") if path.is_file()]
             self.assertEqual(left, [self.folder / "dear.mif"])
 
-    def interrupt(self, *arguments, number=signal.SIGTERM, **options):
+    def interrupt(self, *arguments, number=signal.SIGTERM, wait=1, **options):
         """Starts the program, sends it a signal when it is at work, and expects its end."""
         signal.signal(number, signal.SIG_DFL)  # a shell may have started this in the background, which ignores it
         options = {"stdout": subprocess.DEVNULL, "stderr": subprocess.PIPE} | options
         with subprocess.Popen([MIFREAD, *arguments], cwd=self.folder, **options) as program:
-            time.sleep(1)
+            time.sleep(wait)
             self.assertIsNone(program.poll(), arguments)
             program.send_signal(number)
             try:
@@ -339,6 +374,10 @@ class Costs(InFolder):
             os.close(writer)
             self.interrupt("text", *some, "-", stdin=subprocess.PIPE)
             self.interrupt("text", *some, "-o", "fifo")
+        self.interrupt("text", "--files-from", "-", stdin=subprocess.PIPE)  # the list of documents does not end
+        for number in range(2000):
+            self.write(f"tree/{number}.mif", b"")
+        self.interrupt("text", "-r", *["tree"] * 1000, "--dry-run", wait=0.3)  # to find them all takes long
 
     @unittest.skipIf(IS_SANITIZED, "the sanitizers take memory of their own")
     def test_memory_stays_within_its_limit(self):
@@ -424,7 +463,7 @@ class Words(InFolder):
     def test_names_and_messages_are_escaped(self):
         name = self.document()
         folder = f"to{self.COMMANDS}\n"
-        for arguments in (["info", name], ["info", "--json", name], ["objects", name, "-d", folder],
+        for arguments in (["info", name], ["info", "--json", name], ["json", name], ["objects", name, "-d", folder],
                           ["objects", "--json", name, "-d", folder], ["tokens", name],
                           ["text", name, "-d", folder], ["text", "--dry-run", name, "-d", folder],
                           ["text", name + "missing"], [name], ["text", "--" + self.COMMANDS]):
@@ -446,14 +485,15 @@ class Words(InFolder):
 
     def test_text_does_not_command_a_terminal(self):
         name = self.document()
-        master, terminal = pty.openpty()
-        with open(master, "rb", buffering=0) as screen:
-            with open(terminal, "wb", buffering=0) as output:
-                subprocess.run([MIFREAD, "text", "--plain", name], cwd=self.folder, stdout=output, stderr=subprocess.DEVNULL,
-                               check=False)
-            shown = screen.read(4096).decode("utf-8").replace("\r\n", "\n")
-        self.assertIsNone(self.HARMFUL.search(shown), shown)
-        self.assertIn("\\x1b[31m\\x07\\x7f", shown)
+        for to in [], ["-o", "/dev/stdout"]:
+            master, terminal = pty.openpty()
+            with open(master, "rb", buffering=0) as screen:
+                with open(terminal, "wb", buffering=0) as output:
+                    subprocess.run([MIFREAD, "text", "--plain", name, *to], cwd=self.folder, stdout=output,
+                                   stderr=subprocess.DEVNULL, check=False)
+                shown = screen.read(4096).decode("utf-8").replace("\r\n", "\n")
+            self.assertIsNone(self.HARMFUL.search(shown), shown)
+            self.assertIn("\\x1b[31m\\x07\\x7f", shown)
         self.assertIn(b"\x1b[31m", self.mifread("text", "--plain", name)[0], "a pipe gets what the document holds")
 
     def test_a_page_runs_no_script_and_loads_pictures_alone(self):
@@ -490,7 +530,7 @@ class Promises(unittest.TestCase):
     def test_the_tests_of_the_libraries_exist(self):
         named = set(re.findall(r"`([A-Z]\w+\.[A-Z]\w+)`", (SOURCE / "SECURITY.md").read_text(encoding="utf-8")))
         sources = "".join(path.read_text(encoding="utf-8") for path in (SOURCE / "tests").glob("*_test.cpp"))
-        present = {".".join(names) for names in re.findall(r"^TEST\((\w+), (\w+)\)", sources, re.MULTILINE)}
+        present = {".".join(names) for names in re.findall(r"^TEST(?:_P)?\((\w+), (\w+)\)", sources, re.MULTILINE)}
         self.assertGreater(len(named), 5)
         self.assertLessEqual(named, present)
 

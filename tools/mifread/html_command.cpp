@@ -5,6 +5,7 @@
 #include <string>
 
 #include "command.h"
+#include "display.h"
 #include "file_type.h"
 #include "mifconvert/html_object.h"
 #include "mifconvert/html_writer.h"
@@ -62,7 +63,7 @@ void writePage(Conversion &conversion)
 {
     const mifhost::Document &document = conversion.document();
     PageObjects objects(conversion);
-    const std::string title = textOf(pathOf(document.name()).filename());
+    const std::string title = shown(textOf(pathOf(document.name()).filename()));
     mifconvert::HtmlWriter writer(
         title, document.fonts(), conversion.charset(),
         [&objects](const mifhost::Frame &frame, std::string &out) { objects.show(frame, out); }, conversion.text());

@@ -22,10 +22,14 @@ struct Beginning {
 // What the system takes for text, or what something can be done about.
 constexpr std::array beginnings = {
     Beginning{"\xEF\xBB\xBF"sv, "it begins with a byte order mark; save it without one"},
-    Beginning{"\xFF\xFE"sv, "it is in UTF-16; convert it with iconv -f UTF-16 -t WINDOWS-1252"},
-    Beginning{"\xFE\xFF"sv, "it is in UTF-16; convert it with iconv -f UTF-16 -t WINDOWS-1252"},
-    Beginning{"<\0"sv, "it is in UTF-16; convert it with iconv -f UTF-16LE -t WINDOWS-1252"},
-    Beginning{"\0<"sv, "it is in UTF-16; convert it with iconv -f UTF-16BE -t WINDOWS-1252"},
+    Beginning{"\xFF\xFE\0\0"sv, "it is in UTF-32; convert it with iconv -f UTF-32 -t UTF-8"},
+    Beginning{"\0\0\xFE\xFF"sv, "it is in UTF-32; convert it with iconv -f UTF-32 -t UTF-8"},
+    Beginning{"<\0\0\0"sv, "it is in UTF-32; convert it with iconv -f UTF-32LE -t UTF-8"},
+    Beginning{"\0\0\0<"sv, "it is in UTF-32; convert it with iconv -f UTF-32BE -t UTF-8"},
+    Beginning{"\xFF\xFE"sv, "it is in UTF-16; convert it with iconv -f UTF-16 -t UTF-8"},
+    Beginning{"\xFE\xFF"sv, "it is in UTF-16; convert it with iconv -f UTF-16 -t UTF-8"},
+    Beginning{"<\0"sv, "it is in UTF-16; convert it with iconv -f UTF-16LE -t UTF-8"},
+    Beginning{"\0<"sv, "it is in UTF-16; convert it with iconv -f UTF-16BE -t UTF-8"},
     Beginning{"\x1F\x8B"sv, "it is compressed with gzip; unpack it with gunzip"},
     Beginning{"<Book"sv, "it is a book, which only lists the files of its chapters; give those"},
 };

@@ -16,11 +16,11 @@ namespace mifread
 void makeFolders(const std::filesystem::path &folder);
 
 // A file that comes into being, or is replaced, as a whole: until commit() what is written is in a hidden file beside
-// it, which the destructor removes. A link stays a link, and the file that it leads to is replaced. Devices and pipes
-// are written directly.
+// it, which the destructor removes. A link stays a link, and the file that it leads to is replaced. Devices, pipes
+// and what the program was started with and a path names, as /dev/stdout does, are written directly.
 //
-// A new file has the usual permissions. One that is replaced keeps them, without those that would have it run as its
-// owner; one that the user may not write is not replaced.
+// A new file has the usual permissions. One that is replaced keeps them and its group, without those that would have it
+// run as its owner, and the group's where it cannot have that group; one that the user may not write is not replaced.
 class TargetFile
 {
 public:
