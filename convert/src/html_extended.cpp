@@ -93,7 +93,7 @@ void HtmlWriter::enter(bool isHeld, std::int32_t note)
 
 HtmlWriter::Outer HtmlWriter::leave()
 {
-    closeParagraph();
+    leaveCell();
     table_->end();
     Outer outer = std::move(outers_.back());
     outers_.pop_back();
@@ -212,7 +212,7 @@ void HtmlWriter::put(const mifhost::XRefEnd & /*end*/)
 
 void HtmlWriter::put(const mifhost::TableOpen &table)
 {
-    closeParagraph();
+    leaveCell();
     table_->end();
     table_->open(table, columnOf(page_));
     paragraphGoesOn_ = false;
@@ -232,14 +232,13 @@ void HtmlWriter::put(const mifhost::TitleEnd & /*end*/)
 
 void HtmlWriter::put(const mifhost::Row &row)
 {
-    closeParagraph();
+    leaveCell();
     table_->beginRow(row.kind);
 }
 
-// What a covered cell holds is given up at its end.
 void HtmlWriter::put(const mifhost::Cell &cell)
 {
-    closeParagraph();
+    leaveCell();
     if (!table_->hasRows()) {
         return;
     }
@@ -251,7 +250,7 @@ void HtmlWriter::put(const mifhost::Cell &cell)
 
 void HtmlWriter::put(const mifhost::TableClose & /*end*/)
 {
-    closeParagraph();
+    leaveCell();
     if (table_->hasRows()) {
         table_->end();
     }

@@ -101,7 +101,7 @@ void HtmlWriter::finish()
     while (!outers_.empty()) { // of a stream that is cut
         leave();
     }
-    closeParagraph();
+    leaveCell();
     table_->end();
     finishNotes();
     hand(out_);
@@ -166,7 +166,7 @@ void HtmlWriter::put(const mifhost::TableRow &row)
     if (table_->hasRows()) { // and more is known of it
         return;
     }
-    closeParagraph();
+    leaveCell();
     table_->end();
     table_->begin(row.columnWidths, tableStart(row, paragraph_, page_) - page_.leftMargin, columnOf(page_));
     paragraphGoesOn_ = false;
@@ -174,19 +174,15 @@ void HtmlWriter::put(const mifhost::TableRow &row)
 
 void HtmlWriter::put(const mifhost::TableEnd & /*end*/)
 {
-    closeParagraph();
+    leaveCell();
     table_->end();
     paragraphGoesOn_ = true;
 }
 
 void HtmlWriter::put(const mifhost::CellEnd & /*end*/)
 {
-    closeParagraph();
+    leaveCell();
     paragraphGoesOn_ = false;
-    if (coveredFrom_) {
-        body_.resize(*coveredFrom_);
-        coveredFrom_.reset();
-    }
     if (table_->isOpen()) {
         table_->endCell();
     }
@@ -353,6 +349,16 @@ void HtmlWriter::closeParagraph()
     // A line break at the end of a paragraph shows nothing; an empty line of the document does.
     body_ += lineIsEmpty_ ? "<br></p>\n" : "</p>\n";
     paragraphIsOpen_ = false;
+}
+
+// What a covered cell holds is given up.
+void HtmlWriter::leaveCell()
+{
+    closeParagraph();
+    if (coveredFrom_) {
+        body_.resize(*coveredFrom_);
+        coveredFrom_.reset();
+    }
 }
 
 // In the extended stream raised and lowered text has the size of the rest; a page shows it smaller.

@@ -135,6 +135,7 @@ private:
     void writeLeaders();
     void openParagraph();
     void closeParagraph();
+    void leaveCell();
     void openRun();
     void closeRun();
 
