@@ -101,6 +101,7 @@ void HtmlTable::beginRow(mifhost::RowKind kind)
     closeRow();
     constexpr std::array<std::string_view, 3> groups = {"thead", "tbody", "tfoot"};
     const std::string_view group = groups[static_cast<std::size_t>(kind)];
+    isSeparated_ = group != group_ && !group_.empty();
     if (group != group_) {
         if (!group_.empty()) {
             out_.append("</").append(group_).append(">");
@@ -116,7 +117,7 @@ void HtmlTable::beginRow(mifhost::RowKind kind)
 
 void HtmlTable::closeRow()
 {
-    if (cellIsOpen_) {
+    if (cellIsOpen_ || pendingCell_) {
         endCell();
     }
     if (rowIsOpen_) {
@@ -131,7 +132,7 @@ void HtmlTable::beginCell(const mifhost::Cell &cell)
     if (!isExtended_ || !rowIsOpen_) {
         return;
     }
-    if (cellIsOpen_) {
+    if (cellIsOpen_ || pendingCell_) {
         endCell();
     }
     isCovered_ = cell.columns == 0;
@@ -139,6 +140,14 @@ void HtmlTable::beginCell(const mifhost::Cell &cell)
         ++cellsInRow_;
         return;
     }
+    pendingCell_ = cell;
+}
+
+// The tag of a cell waits for its first paragraph, which says how the cell's text is aligned.
+void HtmlTable::writeCellTag(mifhost::CellAlignment alignment)
+{
+    const mifhost::Cell cell = *pendingCell_;
+    pendingCell_.reset();
     const std::uint32_t columns = std::min(cell.columns, largestSpan);
     cellTag_ = rowKind_ == mifhost::RowKind::Heading ? "th" : "td";
     out_.append("<").append(cellTag_);
@@ -148,7 +157,7 @@ void HtmlTable::beginCell(const mifhost::Cell &cell)
     if (cell.rows > 1) {
         fmt::format_to(std::back_inserter(out_), " rowspan=\"{}\"", std::min(cell.rows, 60 * largestSpan));
     }
-    appendCellStyle(cell, columns);
+    appendCellStyle(cell, columns, alignment);
     out_ += '>';
     cellIsOpen_ = true;
 }
@@ -156,12 +165,13 @@ void HtmlTable::beginCell(const mifhost::Cell &cell)
 const mifhost::Ruling &HtmlTable::rulingAbove() const
 {
     return rulings_[isFirstRow_                          ? index(mifhost::TableEdge::Top)
+                    : isSeparated_                       ? index(mifhost::TableEdge::Separator)
                     : rowKind_ == mifhost::RowKind::Body ? index(mifhost::TableEdge::BodyRows)
                                                          : index(mifhost::TableEdge::HeadingRows)];
 }
 
 // A cell has what it states itself, else what the table has there.
-void HtmlTable::appendCellStyle(const mifhost::Cell &cell, std::size_t columns)
+void HtmlTable::appendCellStyle(const mifhost::Cell &cell, std::size_t columns, mifhost::CellAlignment alignment)
 {
     const auto states = [&cell](unsigned bit) { return (cell.states & bit) != 0; };
     const bool isLast = cellsInRow_ + columns >= columnWidths_.size();
@@ -182,6 +192,9 @@ void HtmlTable::appendCellStyle(const mifhost::Cell &cell, std::size_t columns)
     }
     if (fill.pattern != MIF_FILL_NONE) {
         fmt::format_to(std::back_inserter(style), "background:#{:06x};", fillColor(fill));
+    }
+    if (alignment != mifhost::CellAlignment::Top) {
+        style += alignment == mifhost::CellAlignment::Middle ? "vertical-align:middle;" : "vertical-align:bottom;";
     }
     if (!style.empty()) {
         style.pop_back();
@@ -249,9 +262,13 @@ void HtmlTable::appendColumns()
     out_ += "</colgroup>\n";
 }
 
-void HtmlTable::openCell()
+void HtmlTable::openCell(mifhost::CellAlignment alignment)
 {
     if (cellIsOpen_ || isInTitle_ || isCovered_) {
+        return;
+    }
+    if (pendingCell_) {
+        writeCellTag(alignment);
         return;
     }
     if (isExtended_) {
@@ -265,7 +282,7 @@ void HtmlTable::openCell()
 // What stands in no cell gets one that takes up the rest of a row.
 void HtmlTable::openCellOfNone()
 {
-    if (!rowIsOpen_) {
+    if (!rowIsOpen_ || cellsInRow_ >= columnWidths_.size()) {
         beginRow(rowKind_);
     }
     const std::size_t columns = columnWidths_.size() - std::min(cellsInRow_, columnWidths_.size() - 1);
@@ -287,6 +304,9 @@ void HtmlTable::endCell()
 {
     isCovered_ = false;
     if (isExtended_) {
+        if (pendingCell_) {
+            writeCellTag(mifhost::CellAlignment::Top);
+        }
         if (cellIsOpen_) {
             out_.append("</").append(cellTag_).append(">");
             cellIsOpen_ = false;
@@ -294,7 +314,7 @@ void HtmlTable::endCell()
         }
         return;
     }
-    openCell();
+    openCell(mifhost::CellAlignment::Top);
     out_ += "</td>";
     cellIsOpen_ = false;
     ++cellsInRow_;

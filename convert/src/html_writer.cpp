@@ -305,7 +305,7 @@ void HtmlWriter::openParagraph()
         return;
     }
     if (table_->isOpen()) {
-        table_->openCell();
+        table_->openCell(format_.cellAlignment);
     }
     const Column column = table_->isOpen() ? table_->cellColumn() : columnOf(page_);
     edges_ = edgesIn(column, paragraph_);

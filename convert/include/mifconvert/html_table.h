@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -53,7 +54,9 @@ public:
     void beginCell(const mifhost::Cell &cell);
 
     // Makes sure that a cell is open for content; a table must be. Nothing is to be done in a title.
-    void openCell();
+    //
+    // alignment  of the first paragraph in a cell
+    void openCell(mifhost::CellAlignment alignment);
 
     // Where lines may stand in the cell that is open or comes next.
     Column cellColumn() const;
@@ -69,7 +72,8 @@ private:
     void appendColumns();
     void closeRow();
     void openCellOfNone();
-    void appendCellStyle(const mifhost::Cell &cell, std::size_t columns);
+    void writeCellTag(mifhost::CellAlignment alignment);
+    void appendCellStyle(const mifhost::Cell &cell, std::size_t columns, mifhost::CellAlignment alignment);
     const mifhost::Ruling &rulingAbove() const;
 
     std::string &out_;
@@ -85,8 +89,10 @@ private:
     bool rowIsOpen_ = false;
     bool isCovered_ = false; // the cell that was begun last
     bool isFirstRow_ = true;
-    std::string_view group_;   // the element around the rows
-    std::string_view cellTag_; // of the open cell
+    bool isSeparated_ = false;                 // the row is the first one of the heading, the body or the footing
+    std::optional<mifhost::Cell> pendingCell_; // whose tag is not written yet
+    std::string_view group_;                   // the element around the rows
+    std::string_view cellTag_;                 // of the open cell
     mifhost::RowKind rowKind_ = mifhost::RowKind::Body;
     mifhost::TitlePlace titlePlace_ = mifhost::TitlePlace::Above;
     std::array<mifhost::Ruling, 8> rulings_{};

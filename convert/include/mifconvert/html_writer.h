@@ -175,7 +175,7 @@ private:
     std::set<std::string, std::less<>> places_;
     std::vector<Outer> outers_;
     std::map<std::int32_t, Note> notes_;
-    std::size_t references_ = 0; // to notes, each note counted once
+    std::size_t references_ = 0;             // to notes, each note counted once
     std::optional<std::size_t> coveredFrom_; // of body_: what a cell holds that another covers
     bool pageIsBegun_ = false;
     bool paragraphIsOpen_ = false;
