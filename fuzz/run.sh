@@ -30,12 +30,12 @@ for fuzzer in "$@"; do
     result=0
     TIMEFORMAT='%U'
     cpu=$({ time "$build/fuzz/${fuzzer}_fuzzer" "${options[@]}" "${folders[@]}" >"$log" 2>&1; } 2>&1) || result=$?
-    executions=$(grep -oP 'number_of_executed_units: \K\d+' "$log" || echo 0)
-    edges=$(grep -oP 'cov: \K\d+' "$log" | tail -1 || echo 0)
+    executions=$(grep -aoP 'number_of_executed_units: \K\d+' "$log" || echo 0)
+    edges=$(grep -aoP 'cov: \K\d+' "$log" | tail -1 || echo 0)
     echo "$fuzzer: $executions executions, $edges edges, $cpu s of CPU time"
     if [ "$result" -ne 0 ]; then
         failed=1
-        grep -E 'Does not hold|ERROR|runtime error|SUMMARY|Test unit written' "$log" || tail -20 "$log"
+        grep -aE 'Does not hold|ERROR|runtime error|SUMMARY|Test unit written' "$log" || tail -20 "$log"
     fi
 done
 exit "$failed"

@@ -220,13 +220,13 @@ void HtmlWriter::put(const mifhost::TableOpen &table)
 
 void HtmlWriter::put(const mifhost::TitleBegin & /*begin*/)
 {
-    closeParagraph();
+    leaveCell();
     table_->beginTitle();
 }
 
 void HtmlWriter::put(const mifhost::TitleEnd & /*end*/)
 {
-    closeParagraph();
+    leaveCell();
     table_->endTitle();
 }
 
