@@ -129,8 +129,11 @@ void HtmlTable::closeRow()
 
 void HtmlTable::beginCell(const mifhost::Cell &cell)
 {
-    if (!isExtended_ || !rowIsOpen_) {
+    if (!isExtended_) {
         return;
+    }
+    if (!rowIsOpen_) {
+        beginRow(rowKind_);
     }
     if (cellIsOpen_ || pendingCell_) {
         endCell();
