@@ -6,7 +6,6 @@
 
 #include "check.h"
 #include "mifconvert/html_writer.h"
-#include "mifhost/charset.h"
 #include "mifhost/error.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
@@ -61,7 +60,6 @@ void writeTokens(Bytes bytes, Write write)
 std::string page(Bytes bytes, bool takesOften)
 {
     static const mifhost::FontRegistry fonts = someFonts();
-    mifhost::TextConverter charset;
     std::string out;
     std::string taken;
     const auto take = [&] {
@@ -69,7 +67,7 @@ std::string page(Bytes bytes, bool takesOften)
         out.clear();
     };
     mifconvert::HtmlWriter writer(
-        "a & b.mif", fonts, charset, [](const mifhost::Frame &, std::string &shown) { shown += shownFrame; }, out);
+        "a & b.mif", fonts, [](const mifhost::Frame &, std::string &shown) { shown += shownFrame; }, out);
     writeTokens(bytes, [&](const mifhost::Token &token) {
         writer.write(token);
         if (takesOften) {

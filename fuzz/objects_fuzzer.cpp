@@ -146,7 +146,8 @@ void readBlocks(const Session &session)
 void readWithHost(const Session &session, std::string_view document, bool isExtended)
 {
     mifhost::MemoryStream stream(document);
-    mifhost::Document reader(stream, {.bufferSize = 1 << 18, .isExtended = isExtended});
+    mifhost::Document reader(
+        stream, {.bufferSize = 1 << 18, .form = isExtended ? mifhost::TokenForm::Extended : mifhost::TokenForm::Plain});
     try {
         while (reader.next() != nullptr) {
         }

@@ -108,7 +108,7 @@ TEST(HostLibrary, TellsEveryRefusal)
         const std::string text = readFile(path);
         const auto peakWithin = [&](size_t limit) {
             mifhost::MemoryStream stream({reinterpret_cast<const uint8_t *>(text.data()), text.size()}, "name");
-            mifhost::Document document(stream, {.bufferSize = 4096, .memoryLimit = limit});
+            mifhost::Document document(stream, {.memoryLimit = limit});
             while (document.next() != nullptr) {
             }
             return document.memory().peakBytes();

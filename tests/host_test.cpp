@@ -53,8 +53,14 @@ std::string messageOf(const std::string &stream)
 // Every byte of a valid stream, changed to anything, is decoded within its bounds or refused with its position.
 TEST(TokenDecoder, TrustsNothing)
 {
+    const std::string plain = "<PgfNumTabs 2><FSize 9><FBold Yes><FColor Red><String `text'><Para >";
+    const std::string extended = "<Tbls <Tbl <TblID 1><TblNumColumns 2><TblTitle <TblTitleContent <Para >>>"
+                                 "<TblH <Row <Cell <CellContent <Para >>>>>>><TextFlow <TextRectID 9>"
+                                 "<Notes <FNote <ID 1> <Para <String `n'>>>>"
+                                 "<Para <TabStop <TSX 1><TSLeaderStr `.'>><FSize 9.5><FOverline Yes><PgfNumString `1'>"
+                                 "<Marker <MType 8><MText `a'>><XRef <XRefName `b'>><FNote 1><ATbl 1><ATbl 2>>>";
     const std::string stream =
-        convert(documentOf("<PgfNumTabs 2><FSize 9><FBold Yes><FColor Red><String `text'><Para >")).stream;
+        convert(documentOf(plain)).stream + convert(documentOf(extended), {.isExtended = true}).stream;
     EXPECT_EQ(messageOf(stream), "");
     for (size_t length = 1; length < stream.size(); ++length) {
         messageOf(stream.substr(0, length));
@@ -103,6 +109,37 @@ TEST(Document, ReadsWithThePluginOfItsOwn)
     const mifhost::Plugin same = mifhost::Plugin::load(MIFREADER_PLUGIN);
     mifhost::Document again(same, stream);
     EXPECT_EQ(textOf(again), "a");
+}
+
+// In each form of tokens; a plug-in without the extended stream gives the plain one.
+TEST(Document, GivesUtf8WhateverThePluginGives)
+{
+    const std::string text = documentOf("<Para <FFamily `Caf\xe9'><FBold Yes><String `gr\xfcn'><FBold No><String `y'>>"
+                                        "<Para <String `z'>>");
+    const auto tokensAs = [&text](mifhost::TokenForm form) {
+        mifhost::MemoryStream stream(bytesOf(text), "name");
+        mifhost::Document document(stream, {.form = form, .encoding = MIF_ENCODING_WINDOWS_1252});
+        std::string tokens;
+        while (const mifhost::Token *token = document.next()) {
+            if (const auto *run = std::get_if<mifhost::Text>(token)) {
+                tokens += std::string(run->bytes) + ' ';
+            } else if (const auto *attribute = std::get_if<mifhost::Attribute>(token)) {
+                tokens += attribute->on ? "on " : "off ";
+            } else if (std::holds_alternative<mifhost::ParaEnd>(*token)) {
+                tokens += "end ";
+            }
+        }
+        return document.fonts().find(0)->name + ": " + tokens;
+    };
+    EXPECT_EQ(tokensAs(mifhost::TokenForm::Extended), "Caf\u00e9: on gr\u00fcn off y end z end ");
+    EXPECT_EQ(tokensAs(mifhost::TokenForm::Plain), "Caf\u00e9: on gr\u00fcn y end off z end ");
+    EXPECT_EQ(tokensAs(mifhost::TokenForm::Raw), "Caf\xe9: on gr\xfcn y end z end ");
+
+    mifhost::MemoryStream stream(bytesOf(text), "name");
+    const mifhost::Plugin other = mifhost::Plugin::load(MIFREADER_OTHER_PLUGIN);
+    mifhost::Document document(other, stream);
+    EXPECT_FALSE(document.isExtended());
+    EXPECT_EQ(textOf(document), "plug-in");
 }
 
 TEST(Document, SaysWhatIsWrong)
@@ -175,7 +212,8 @@ TEST(Document, EndsAtItsWorkLimitAndWhenAsked)
     for (const uint64_t work : {reading.size() + 5000, 3 * reading.size()}) {
         EXPECT_EQ(textUntil(reading, {.workLimit = work}, limit), "begin") << work;
     }
-    EXPECT_EQ(textUntil(announcing, {.workLimit = 200'000}, limit), "begin") << "announcements count";
+    EXPECT_EQ(textUntil(announcing, {.workLimit = 200'000, .form = mifhost::TokenForm::Plain}, limit), "begin")
+        << "announcements count";
     mifhost::MemoryStream stream(announcing, "name");
     mifhost::Document document(stream, {.workLimit = 600'000});
     EXPECT_EQ(textOf(document), "beginend");

@@ -14,7 +14,6 @@
 #include "mifconvert/base64.h"
 #include "mifconvert/html_text.h"
 #include "mifconvert/html_writer.h"
-#include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
 #include "mifreader/host.h"
@@ -44,12 +43,10 @@ std::string pageOf(const std::vector<Token> &tokens, const std::string &name = "
     FontRegistry fonts;
     announce(fonts, "Times", MIF_FONT_CLASS_ROMAN);
     announce(fonts, "HELVETICA", MIF_FONT_CLASS_SWISS);
-    announce(fonts, "Caf\xe9 </style>\"';}\x01", MIF_FONT_CLASS_SCRIPT);
-    TextConverter charset;
+    announce(fonts, "Caf\u00e9 </style>\"';}\x01", MIF_FONT_CLASS_SCRIPT);
     std::string page;
     mifconvert::HtmlWriter writer(
-        name, fonts, charset,
-        [](const Frame &frame, std::string &out) { out.append("[").append(frame.id).append("]"); }, page);
+        name, fonts, [](const Frame &frame, std::string &out) { out.append("[").append(frame.id).append("]"); }, page);
     for (const Token &token : tokens) {
         writer.write(token);
     }
@@ -97,8 +94,8 @@ std::string nestingFault(const std::string &page)
 TEST(Html, TextIsNeverMarkup)
 {
     EXPECT_EQ(bodyOf({Text{"<script>a & \"b\"</script>"}}), "<p>&lt;script&gt;a &amp; \"b\"&lt;/script&gt;</p>\n");
-    EXPECT_EQ(bodyOf({Text{std::string_view("\0\n\r\x1b\x7f\x80\x81", 7)}}),
-              "<p>\u2400\u240A\u240D\u241B\u2421\u20AC\uFFFD</p>\n");
+    EXPECT_EQ(bodyOf({Text{std::string_view("\0\n\r\x1b\x7f\u20AC", 8)}}),
+              "<p>\u2400\u240A\u240D\u241B\u2421\u20AC</p>\n");
     EXPECT_EQ(bodyOf({Font{2, 10}, Text{"x"}}),
               "<p style=\"font-family:'Caf\u00e9 \\3c \\2f style\\3e \\22 \\27 \\3b \\7d \\2401 ',cursive;"
               "font-size:10pt\">x</p>\n");

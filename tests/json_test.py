@@ -60,6 +60,15 @@ def listing_of(objects):
             yield kind + "".join(fields)
 
 
+def without_mode_ends(lines):
+    """All but the modes that go off between two paragraphs: those that the plain stream leaves on do not stay on."""
+    between = False
+    for line in lines:
+        between = line == "para-end" or (between and re.fullmatch("attribute .* off", line) is not None)
+        if not between or line == "para-end":
+            yield line
+
+
 def tokens_of(path):
     text = mifread("tokens", path).decode("ascii")
     return re.sub(r'\\([\\"]|x81|x8d|x8f|x90|x9d|x..)',
@@ -104,7 +113,8 @@ class Test(unittest.TestCase):
                 self.assertEqual((objects[0]["type"], objects[0]["name"]), ("document", str(path)))
                 self.assertEqual(objects[0]["size"], path.stat().st_size)
                 self.assertEqual(objects[-1]["status"], "losses" if code else "converted")
-                self.assertEqual(list(listing_of(objects)), tokens_of(path), path)
+                self.assertEqual(list(without_mode_ends(listing_of(objects))), list(without_mode_ends(tokens_of(path))),
+                                 path)
         text = "".join(o.get("text", "") for o in objects_of("json", "--plain", "bytes.mif", code=1))
         for part in ('\x01\x02', '!"#', "\x7f€\ufffd‚", "ÿ \\"):
             self.assertIn(part, text)
@@ -167,7 +177,7 @@ class Test(unittest.TestCase):
             (info,) = objects_of("info", "--json", "--plain", path, code=code)
             self.assertEqual((info["name"], info["size"]), (str(path), path.stat().st_size))
             tokens = objects_of("json", "--plain", path, code=code)
-            kinds = collections.Counter(line.split()[0] for line in tokens_of(path) if line[0] != "#")
+            kinds = collections.Counter(o["type"] for o in tokens if o["type"] not in ("document", "font-face", "end"))
             self.assertEqual({kind: count for kind, count in info["tokens"].items() if count}, kinds)
             self.assertEqual(info["characters"], sum(len(o["text"]) for o in tokens if o["type"] == "text"))
             sizes = collections.defaultdict(set)

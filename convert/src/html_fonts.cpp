@@ -141,7 +141,7 @@ FontShape shapeOf(std::uint8_t familyClass)
     return familyClass == MIF_FONT_CLASS_SWISS ? FontShape::Sans : FontShape::Serif;
 }
 
-FontStyle styleOf(const mifhost::FontFace &face, mifhost::TextConverter &charset)
+FontStyle styleOf(const mifhost::FontFace &face)
 {
     const std::string name = lowerCase(face.name);
     const auto *known =
@@ -150,7 +150,7 @@ FontStyle styleOf(const mifhost::FontFace &face, mifhost::TextConverter &charset
         return {known->className, "", shapeOfClass(known->className)};
     }
     FontStyle style{"", "", shapeOf(face.familyClass)};
-    appendCssString(face.name, charset, style.families);
+    appendCssString(face.name, style.families);
     style.families.append(",").append(genericFamily(face.familyClass));
     return style;
 }
@@ -171,7 +171,7 @@ const FontStyle &FontStyles::find(std::uint32_t number)
 void FontStyles::styleNewFonts()
 {
     while (styles_.size() < fonts_.size()) {
-        styles_.push_back(styleOf(*fonts_.find(static_cast<std::uint32_t>(styles_.size())), charset_));
+        styles_.push_back(styleOf(*fonts_.find(static_cast<std::uint32_t>(styles_.size()))));
     }
 }
 
@@ -190,17 +190,18 @@ void appendFontRules(std::string &out)
     }
 }
 
-std::int64_t estimateWidth(std::string_view bytes, FontShape shape, std::uint32_t size)
+std::int64_t estimateWidth(std::string_view text, FontShape shape, std::uint32_t size)
 {
+    const Widths &widths = shape == FontShape::Serif ? serifWidths : sansWidths;
     std::int64_t thousandths = 0;
-    if (shape == FontShape::Mono) {
-        thousandths = static_cast<std::int64_t>(bytes.size()) * monoWidth;
-    } else {
-        const Widths &widths = shape == FontShape::Serif ? serifWidths : sansWidths;
-        for (const char byte : bytes) {
-            const auto index = static_cast<std::size_t>(static_cast<unsigned char>(byte)) - ' ';
-            thousandths += index < widths.size() ? widths[index] : otherWidth;
+    for (const char byte : text) {
+        const auto code = static_cast<unsigned char>(byte);
+        if ((code & 0xC0U) == 0x80) { // the rest of a character
+            continue;
         }
+        const auto index = static_cast<std::size_t>(code) - ' ';
+        const std::uint16_t width = index < widths.size() ? widths[index] : otherWidth;
+        thousandths += shape == FontShape::Mono ? monoWidth : width;
     }
     return thousandths * size / 1000;
 }

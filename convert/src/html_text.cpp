@@ -84,9 +84,9 @@ bool isPlainInCss(char byte)
 
 } // namespace
 
-void appendHtmlText(std::string_view bytes, mifhost::TextConverter &charset, std::string &out)
+void appendHtmlText(std::string_view bytes, std::string &out)
 {
-    appendEscaped(bytes, out, [&charset, &out](std::string_view run) { charset.append(run, out); });
+    appendEscaped(bytes, out, [&out](std::string_view run) { out += run; });
 }
 
 void appendHtmlName(std::string_view name, std::string &out)
@@ -109,15 +109,13 @@ void appendHtmlAttribute(std::string_view text, std::string &out)
     }
 }
 
-void appendCssString(std::string_view bytes, mifhost::TextConverter &charset, std::string &out)
+void appendCssString(std::string_view bytes, std::string &out)
 {
     out += '\'';
     for (const char &byte : bytes) {
         const auto code = static_cast<unsigned char>(byte);
-        if (isPlainInCss(byte)) {
+        if (isPlainInCss(byte) || code >= 0x80) {
             out += byte;
-        } else if (code >= 0x80) {
-            charset.append({&byte, 1}, out);
         } else {
             fmt::format_to(std::back_inserter(out), "\\{:x} ", isControl(code) ? pictureOf(code) : code);
         }

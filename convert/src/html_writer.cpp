@@ -45,10 +45,8 @@ std::int64_t tableStart(const mifhost::TableRow &row, const mifhost::ParaFormat 
 
 } // namespace
 
-HtmlWriter::HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset,
-                       ShowFrame showFrame, std::string &out)
-    : title_(std::move(title)), charset_(charset), showFrame_(std::move(showFrame)), out_(out),
-      fonts_(fonts, charset.isUtf8()), line_(body_),
+HtmlWriter::HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, ShowFrame showFrame, std::string &out)
+    : title_(std::move(title)), showFrame_(std::move(showFrame)), out_(out), fonts_(fonts), line_(body_),
       links_({.write = [this](const mifhost::Token &token) { process(token); },
               .beginLink =
                   [this](const std::string &target) {
@@ -127,7 +125,7 @@ void HtmlWriter::writeText(std::string_view text)
 {
     openParagraph();
     openRun();
-    appendHtmlText(text, charset_, line_.text());
+    appendHtmlText(text, line_.text());
     lineIsEmpty_ = false;
     if (line_.isMeasured()) {
         line_.advance(estimateWidth(text, fonts_.find(characters_.font).shape, pageFontSize(characters_.size)));
@@ -231,7 +229,13 @@ void HtmlWriter::put(const mifhost::Frame &frame)
     addLeader({LeaderKind::Frame, std::string(frame.id), frame.width, frame.height, frame.kind});
 }
 
-void HtmlWriter::put(const mifhost::Charset & /*charset*/) {}
+void HtmlWriter::put(const mifhost::Charset &charset)
+{
+    isExtended_ = charset.number == MIF_CHARSET_UTF_8;
+    if (isExtended_) {
+        characters_.font = mifhost::Font::none; // until the document states one
+    }
+}
 
 // A tab or frame at a paragraph's beginning waits for the paragraph's formats.
 void HtmlWriter::addLeader(Leader leader)
@@ -366,7 +370,7 @@ CharacterFormat HtmlWriter::shownCharacters() const
 {
     CharacterFormat shown = characters_;
     const std::uint32_t scripts = modeBit(mifhost::Mode::Superscript) | modeBit(mifhost::Mode::Subscript);
-    if (charset_.isUtf8() && (shown.modes & scripts) != 0) {
+    if (isExtended_ && (shown.modes & scripts) != 0) {
         shown.size = pageFontSize(shown.size) * 3 / 4;
     }
     return shown;

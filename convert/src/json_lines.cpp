@@ -19,12 +19,12 @@ namespace
 class Line
 {
 public:
-    Line(mifhost::TextConverter &charset, std::string &out) : charset_(charset), out_(out) {}
+    explicit Line(std::string &out) : out_(out) {}
 
     void operator()(const mifhost::Text &text)
     {
         out_ += R"({"type":"text","text":)";
-        appendJsonText(text.bytes, charset_, out_);
+        appendJsonText(text.bytes, out_);
         out_ += "}\n";
     }
     void operator()(const mifhost::ParaFormat &format)
@@ -53,7 +53,8 @@ public:
     }
     void operator()(const mifhost::Font &font)
     {
-        line(R"({{"type":"font","number":{},"size":{}}})", font.number, font.size);
+        font.number != mifhost::Font::none ? line(R"({{"type":"font","number":{},"size":{}}})", font.number, font.size)
+                                           : line(R"({{"type":"font","number":null,"size":{}}})", font.size);
     }
     void operator()(const mifhost::PageSetup &page)
     {
@@ -71,7 +72,7 @@ public:
     void operator()(const mifhost::Frame &frame)
     {
         out_ += R"({"type":"frame","id":)";
-        appendJsonText(frame.id, charset_, out_);
+        appendJsonText(frame.id, out_);
         line(R"(,"width":{},"height":{},"kind":{}}})", frame.width, frame.height, frame.kind);
     }
     void operator()(const mifhost::Charset &charset)
@@ -225,7 +226,6 @@ private:
         out_ += '\n';
     }
 
-    mifhost::TextConverter &charset_;
     std::string &out_;
 };
 
@@ -241,18 +241,18 @@ void JsonLines::append(const mifhost::Token &token)
     if (const auto *font = std::get_if<mifhost::Font>(&token)) {
         if (const mifhost::FontFace *face = fonts_.firstUse(font->number)) {
             fmt::format_to(std::back_inserter(out_), R"({{"type":"font-face","number":{},"name":)", font->number);
-            appendJsonText(face->name, charset_, out_);
+            appendJsonText(face->name, out_);
             fmt::format_to(std::back_inserter(out_), R"(,"class":"{}"}})", mifhost::fontClassName(face->familyClass));
             out_ += '\n';
         }
     }
-    std::visit(Line(charset_, out_), token);
+    std::visit(Line(out_), token);
 }
 
 void JsonLines::beginObject(std::string_view id, std::string_view mimeType)
 {
     out_ += R"({"type":"object","id":)";
-    appendJsonText(id, charset_, out_);
+    appendJsonText(id, out_);
     out_ += R"(,"mimeType":)" + dumpJson(mimeType) + R"(,"data":")";
     objectIsOpen_ = true;
     objectSize_ = 0;

@@ -1,7 +1,5 @@
 #include "mifconvert/json_text.h"
 
-#include <utility>
-
 namespace mifconvert
 {
 
@@ -19,11 +17,9 @@ std::string withoutDelete(std::string json)
 
 } // namespace
 
-void appendJsonText(std::string_view text, mifhost::TextConverter &charset, std::string &out)
+void appendJsonText(std::string_view text, std::string &out)
 {
-    std::string converted;
-    charset.append(text, converted);
-    out += withoutDelete(Json(std::move(converted)).dump());
+    out += withoutDelete(Json(text).dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 std::string dumpJson(const Json &value)

@@ -25,7 +25,7 @@ std::string &TextWriter::target()
 
 void TextWriter::put(const mifhost::Text &text)
 {
-    charset_.append(text.bytes, target());
+    target() += text.bytes;
 }
 
 void TextWriter::put(const mifhost::Number &number)

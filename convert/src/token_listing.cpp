@@ -68,7 +68,8 @@ public:
     }
     void operator()(const mifhost::Font &font)
     {
-        line("font number={} size={}", font.number, font.size);
+        font.number != mifhost::Font::none ? line("font number={} size={}", font.number, font.size)
+                                           : line("font number=none size={}", font.size);
     }
     void operator()(const mifhost::PageSetup &page)
     {

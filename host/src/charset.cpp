@@ -37,7 +37,7 @@ std::size_t asciiRun(std::string_view text)
 
 } // namespace
 
-TextConverter::TextConverter(bool isUtf8) : isUtf8_(isUtf8)
+Windows1252::Windows1252()
 {
     constexpr char16_t replacement = 0xFFFD;
     for (std::size_t i = 0; i < upperHalf_.size(); ++i) {
@@ -49,12 +49,8 @@ TextConverter::TextConverter(bool isUtf8) : isUtf8_(isUtf8)
     }
 }
 
-void TextConverter::append(std::string_view text, std::string &out)
+void Windows1252::append(std::string_view text, std::string &out)
 {
-    if (isUtf8_) {
-        out += text;
-        return;
-    }
     while (!text.empty()) {
         const std::size_t run = asciiRun(text);
         out.append(text.substr(0, run));

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <limits>
 #include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <variant>
 
 #include "mifhost/error.h"
 
@@ -56,8 +59,9 @@ Document::Document(const Plugin &plugin, Stream &stream, const DocumentOptions &
     }
 
     isExtended_ =
-        options.isExtended && plugin.extension().extendStream != nullptr &&
+        options.form == TokenForm::Extended && plugin.extension().extendStream != nullptr &&
         plugin.extension().extendStream(context_.get(), MIF_EXTENDED_VERSION, options.encoding) == MIF_SUCCESS;
+    isAdapted_ = !isExtended_ && options.form != TokenForm::Raw;
     stream_.seek(0);
     stream_.forgetPendingError();
     const std::int32_t result =
@@ -81,8 +85,11 @@ const Token *Document::next()
         throw std::logic_error("mifhost::Document: an object of the document is open");
     }
     for (;;) {
+        if (endingModes_ != 0) {
+            return nextModeEnd();
+        }
         if (const Token *token = decoder_.next()) {
-            return token;
+            return isAdapted_ ? adapt(*token) : token;
         }
         if (failure_ != nullptr) {
             std::rethrow_exception(failure_);
@@ -92,6 +99,31 @@ const Token *Document::next()
         }
         fill();
     }
+}
+
+const Token *Document::adapt(const Token &token)
+{
+    if (const auto *text = std::get_if<Text>(&token)) {
+        text_.clear();
+        charset_.append(text->bytes, text_);
+        adapted_ = Text{text_};
+        return &adapted_;
+    }
+    if (const auto *attribute = std::get_if<Attribute>(&token)) {
+        const std::uint32_t bit = std::uint32_t{1} << static_cast<unsigned>(attribute->mode);
+        modes_ = attribute->on ? modes_ | bit : modes_ & ~bit;
+    } else if (std::holds_alternative<ParaEnd>(token)) {
+        endingModes_ = std::exchange(modes_, 0);
+    }
+    return &token;
+}
+
+const Token *Document::nextModeEnd()
+{
+    const int mode = std::countr_zero(endingModes_);
+    endingModes_ &= endingModes_ - 1;
+    adapted_ = Attribute{static_cast<Mode>(mode), false};
+    return &adapted_;
 }
 
 // Has the reader convert the next piece. A failure is kept until the tokens that came before it are handed out.
@@ -192,7 +224,8 @@ std::uint32_t Document::notify(void *cookie, std::uint32_t code, void *data) noe
     std::uint32_t answer = 0;
     try {
         if (code == HOST_NOTIFY_FONT) {
-            answer = self.fonts_.add(*static_cast<const MifFontRecord *>(data));
+            Windows1252 *charset = self.isAdapted_ ? &self.namesCharset_ : nullptr;
+            answer = self.fonts_.add(*static_cast<const MifFontRecord *>(data), charset);
             if (self.failure_ == nullptr) { // the reader goes on to its next read behind an announcement too many
                 self.addWork(DocumentOptions::announcedFont);
             }

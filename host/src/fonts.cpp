@@ -1,11 +1,12 @@
 #include "mifhost/fonts.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace mifhost
 {
 
-std::uint32_t FontRegistry::add(const MifFontRecord &record)
+std::uint32_t FontRegistry::add(const MifFontRecord &record, Windows1252 *charset)
 {
     const char *nameEnd = std::find(std::begin(record.faceName), std::end(record.faceName), '\0');
     const std::string_view name(record.faceName, static_cast<std::size_t>(nameEnd - record.faceName));
@@ -17,7 +18,13 @@ std::uint32_t FontRegistry::add(const MifFontRecord &record)
         return 0;
     }
 
-    faces_.push_back({std::string(name), record.familyClass});
+    std::string shown;
+    if (charset != nullptr) {
+        charset->append(name, shown);
+    } else {
+        shown = name;
+    }
+    faces_.push_back({std::move(shown), record.familyClass});
     const auto number = static_cast<std::uint32_t>(faces_.size());
     numbers_.emplace(name, number);
     return number;

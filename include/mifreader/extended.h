@@ -5,8 +5,9 @@
  *     this header; later versions may add others.
  *  2. All text is UTF-8, well formed, and TOKEN_CHARSET says so with MIF_CHARSET_UTF_8. A text within a payload is a
  *     u32 of its length in bytes and as many bytes, without a terminator.
- *  3. The plain tokens keep their layout. TOKEN_FONT's size is in whole points, cut; TOKEN_ATTRIBUTE tells each change
- *     of a mode, on and off, wherever it happens, and only what changed. Modes that are not told are off.
+ *  3. The plain tokens keep their layout. TOKEN_FONT's number is MIF_FONT_NONE where the document states no family, its
+ *     size in whole points, cut, and 0 where it states none; TOKEN_ATTRIBUTE tells each change of a mode, on and off,
+ *     wherever it happens, and only what changed. Until told there is no font and no mode.
  *  4. Things are told where they stand in the file. What a reader of the document sees elsewhere (a note at its
  *     reference, a text box at its anchor) is the host's to place, by the identifiers.
  *  5. Leaving out the tokens of this header and all that stands between the begin and the end of notes and boxes, the
@@ -15,7 +16,7 @@
  *     and anchors of frames in notes. As in the plain stream a TOKEN_FRAME may stand where tables are defined; a frame
  *     that the text anchors has its TOKEN_ANCHOR before it.
  *  6. Begins and ends match and nest. Formats hold on over them: a note, a cell, a title and a box begin with formats
- * of their own and give the outer ones back, but that too is told as changes, before the text it applies to.
+ *     of their own and give the outer ones back, but that too is told as changes, before the text it applies to.
  */
 #ifndef MIFREADER_EXTENDED_H
 #define MIFREADER_EXTENDED_H
@@ -39,6 +40,9 @@ enum {
 
 /* The value of TOKEN_CHARSET in the extended stream. mifCharSet keeps telling the plain one's. */
 enum { MIF_CHARSET_UTF_8 = 65001 };
+
+/* The number in TOKEN_FONT where the document states no family. */
+enum { MIF_FONT_NONE = -1 };
 
 /* Why mifFillBuffer or mifInitDoc returned 6. */
 enum {

@@ -43,7 +43,8 @@ void applyEntry(MifContext *context, const MifFormatEntry &entry, MifCharacters 
     }
 }
 
-// Begins from the defaults; a tag that the document does not define goes on with the format before. What the document asks for stays where a catalog is read.
+// Begins from the defaults; a tag that the document does not define goes on with the format before. What the document
+// asks for stays where a catalog is read.
 void selectParagraphFormat(MifContext *context, MifFormatEntry *entry)
 {
     MifFormatState &formats = context->formats;

@@ -34,7 +34,6 @@ int mifCellRightRuling(MifContext *context);
 int mifCellBottomRuling(MifContext *context);
 int mifCellAngle(MifContext *context);
 
-
 void mifFreeExtendedTables(MifContext *context);
 
 #endif

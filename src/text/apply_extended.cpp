@@ -66,7 +66,8 @@ void tellModes(MifContext *context, uint32_t changed, uint32_t modes)
 
 void tellFont(MifContext *context, const MifCharacters &wanted)
 {
-    const int32_t number = wanted.family != nullptr ? mifHostFontNumber(context, *wanted.family) : 0;
+    const int32_t number =
+        wanted.family != nullptr ? mifHostFontNumber(context, *wanted.family) : int32_t{MIF_FONT_NONE};
     mifWriteRecord(context, TOKEN_FONT, {number, wanted.size / twipsPerPoint});
     if (wanted.size % twipsPerPoint != 0) {
         mifWriteRecord(context, TOKEN_FONT_SIZE, {wanted.size});

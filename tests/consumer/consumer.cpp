@@ -8,11 +8,10 @@ int main(int, char **arguments)
 {
     mifhost::FileStream stream(arguments[1]);
     mifhost::Document document(stream);
-    mifhost::TextConverter charset;
     std::string text;
     while (const mifhost::Token *token = document.next()) {
         if (const auto *run = std::get_if<mifhost::Text>(token)) {
-            charset.append(run->bytes, text);
+            text += run->bytes;
         } else if (std::holds_alternative<mifhost::Tab>(*token)) {
             text += '\t';
         } else if (std::holds_alternative<mifhost::LineBreak>(*token)) {

@@ -383,7 +383,7 @@ void Batch::convertTo(Job &job, Output &output)
                                {.bufferSize = options_.bufferSize,
                                 .memoryLimit = options_.maxMemory,
                                 .workLimit = workLimit,
-                                .isExtended = options_.isExtended,
+                                .form = options_.form,
                                 .encoding = options_.encoding,
                                 .proceed = deadline});
 

@@ -67,7 +67,7 @@ LossText textOf(mifhost::LossKind kind)
 Conversion::Conversion(mifhost::Document &document, Output &output, std::filesystem::path folder, Claims &claims,
                        std::uint64_t limit, Progress progress)
     : document_(document), output_(output), folder_(std::move(folder)), claims_(claims), limit_(limit),
-      progress_(std::move(progress)), charset_(document.isExtended()), outputStart_(output.size())
+      progress_(std::move(progress)), outputStart_(output.size())
 {
 }
 
@@ -128,9 +128,9 @@ std::vector<std::string> Conversion::losses() const
                 fmt::format("{}: {}: {}, of which the first {} are told", document_.name(), kind, count, mostTold));
         }
     }
-    if (charset_.undefinedBytes() > 0) {
+    if (document_.undefinedBytes() > 0) {
         all.push_back(fmt::format("{}: characters that Windows-1252 does not define were replaced by U+FFFD: {}",
-                                  document_.name(), charset_.undefinedBytes()));
+                                  document_.name(), document_.undefinedBytes()));
     }
     for (const mifhost::LossTotal &total : totals_) {
         const LossText text = textOf(total.kind);

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "claims.h"
-#include "mifhost/charset.h"
 #include "mifhost/document.h"
 #include "output.h"
 
@@ -57,12 +56,6 @@ public:
     // already.
     std::filesystem::path claimFile(const std::string &name);
 
-    // Converts text to UTF-8. What cannot be converted is a loss.
-    mifhost::TextConverter &charset() noexcept
-    {
-        return charset_;
-    }
-
     // A piece of the document could not be converted: a message without the program's name, and the document is said to
     // be converted with losses. Of each kind the first ones are told and the others counted.
     // kind  what was lost, in the plural; lives as long as the program
@@ -85,7 +78,6 @@ private:
     Claims &claims_;
     std::uint64_t limit_;
     Progress progress_;
-    mifhost::TextConverter charset_;
     std::vector<std::string> losses_;
     std::vector<mifhost::LossTotal> totals_;
     std::map<std::string_view, std::uint64_t> lossCounts_; // by kind

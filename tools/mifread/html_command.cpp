@@ -65,7 +65,7 @@ void writePage(Conversion &conversion)
     PageObjects objects(conversion);
     const std::string title = shown(textOf(pathOf(document.name()).filename()));
     mifconvert::HtmlWriter writer(
-        title, document.fonts(), conversion.charset(),
+        title, document.fonts(),
         [&objects](const mifhost::Frame &frame, std::string &out) { objects.show(frame, out); }, conversion.text());
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);

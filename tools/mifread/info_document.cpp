@@ -28,17 +28,16 @@ public:
     // What is noted of a token besides its kind.
     void operator()(const mifhost::Text &text)
     {
-        // Characters that are not defined are counted on the way.
-        converted_.clear();
-        conversion_.charset().append(text.bytes, converted_);
         info_.characters +=
-            static_cast<std::uint64_t>(std::count_if(converted_.begin(), converted_.end(), [](char byte) {
+            static_cast<std::uint64_t>(std::count_if(text.bytes.begin(), text.bytes.end(), [](char byte) {
                 return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
             }));
     }
     void operator()(const mifhost::Font &font)
     {
-        fontSizes_[font.number].insert(font.size);
+        if (font.number != mifhost::Font::none) {
+            fontSizes_[font.number].insert(font.size);
+        }
     }
     void operator()(const mifhost::TableRow &row)
     {
@@ -64,7 +63,6 @@ private:
 
     Conversion &conversion_;
     DocumentInfo info_;
-    std::string converted_;                                      // one run of text
     std::map<std::uint32_t, std::set<std::uint32_t>> fontSizes_; // by font number
     std::optional<std::size_t> columns_; // of the table at hand: the most of its row layouts; none outside of tables
     std::set<std::string, std::less<>> objectIds_;
@@ -116,7 +114,7 @@ void Inspection::addFonts()
     for (auto &[number, sizes] : fontSizes_) {
         FontInfo font{{}, "unknown", std::move(sizes)};
         if (const mifhost::FontFace *face = conversion_.document().fonts().find(number)) {
-            conversion_.charset().append(face->name, font.name);
+            font.name = face->name;
             font.familyClass = mifhost::fontClassName(face->familyClass);
         }
         info_.fonts.push_back(std::move(font));

@@ -23,8 +23,7 @@ class JsonConversion
 {
 public:
     JsonConversion(Conversion &conversion, bool withObjects)
-        : conversion_(conversion), withObjects_(withObjects),
-          lines_(conversion.document().fonts(), conversion.charset(), conversion.text())
+        : conversion_(conversion), withObjects_(withObjects), lines_(conversion.document().fonts(), conversion.text())
     {
     }
 

@@ -125,7 +125,7 @@ CLI::App *addBatchCommand(CLI::App &program, const char *name, const char *descr
         ->check(CLI::Range(1, 1024));
     command->add_flag("--fail-fast", options.failFast, "Stop at the first document that fails");
     command->add_flag_callback(
-        "--plain", [&options] { options.isExtended = false; },
+        "--plain", [&options] { options.form = mifhost::TokenForm::Plain; },
         "Read the plain stream, which knows less of what the author wrote");
     command->add_flag("--dry-run", options.dryRun, "Only say what would be written where");
     command->add_option("--report", options.report, "Write how each document fared to this file, as JSON")
@@ -284,7 +284,7 @@ void addTokens(CLI::App &program, Options &options, mifread::Command &command)
     CLI::App *tokens = addCommand(program, "tokens", "List the token stream of a document, one token a line", options);
     tokens->add_flag("--extended", options.listsExtended, "List the extended stream, which the other commands read");
     tokens->callback([&] {
-        options.isExtended = options.listsExtended;
+        options.form = options.listsExtended ? mifhost::TokenForm::Extended : mifhost::TokenForm::Raw;
         command = mifread::tokensCommand();
     });
 }

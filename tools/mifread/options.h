@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "mifhost/document.h"
 #include "mifhost/stream.h"
 #include "mifreader/extended.h"
 
@@ -41,7 +42,7 @@ struct Options {
     bool withObjects = false;   // json: the data of objects as well
     bool listsExtended = false; // tokens: the extended stream
 
-    bool isExtended = true;                                  // ask the reader for the extended stream
+    mifhost::TokenForm form = mifhost::TokenForm::Extended;  // of the tokens to convert
     std::uint32_t encoding = MIF_ENCODING_AUTO;              // of the extended stream's documents, a MIF_ENCODING value
     std::uint32_t bufferSize = 64 * 1024;                    // bytes
     std::string plugin;                                      // a path; empty: the reader the program is linked with

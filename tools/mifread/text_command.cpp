@@ -12,7 +12,7 @@ namespace
 
 void writeText(Conversion &conversion)
 {
-    mifconvert::TextWriter writer(conversion.charset(), conversion.text());
+    mifconvert::TextWriter writer(conversion.text());
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);
     }
@@ -22,7 +22,7 @@ void writeText(Conversion &conversion)
 void showText(Conversion &conversion)
 {
     std::string text;
-    mifconvert::TextWriter writer(conversion.charset(), text);
+    mifconvert::TextWriter writer(text);
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);
         appendShownLines(text, conversion.text());

@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 
 namespace mifconvert
@@ -34,9 +33,8 @@ constexpr std::uint32_t largestFontSize = 400 * twipsToThePoint;
 class FontStyles
 {
 public:
-    // fonts   the document's fonts, which must live as long as the styles
-    // isUtf8  whether their names are UTF-8, and not Windows-1252
-    FontStyles(const mifhost::FontRegistry &fonts, bool isUtf8) : fonts_(fonts), charset_(isUtf8) {}
+    // fonts  the document's fonts, which must live as long as the styles
+    explicit FontStyles(const mifhost::FontRegistry &fonts) : fonts_(fonts) {}
 
     // Returns the style of the font that a Font token names; the page's own font for an unknown number. Valid until the
     // next call.
@@ -46,8 +44,6 @@ private:
     void styleNewFonts();
 
     const mifhost::FontRegistry &fonts_;
-    // Names of fonts are no text of the document, so that their characters are not counted with it.
-    mifhost::TextConverter charset_;
     std::vector<FontStyle> styles_; // by font number
     FontStyle pageFont_{pageFontClass, ""};
 };
@@ -60,9 +56,9 @@ void appendFontRules(std::string &out);
 
 // Estimates the width of text in twips.
 //
-// bytes  in Windows-1252
+// text  in UTF-8
 // size   in twips, as pageFontSize() returns it
-std::int64_t estimateWidth(std::string_view bytes, FontShape shape, std::uint32_t size);
+std::int64_t estimateWidth(std::string_view text, FontShape shape, std::uint32_t size);
 
 } // namespace mifconvert
 

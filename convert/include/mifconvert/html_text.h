@@ -7,8 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "mifhost/charset.h"
-
 namespace mifconvert
 {
 
@@ -24,8 +22,8 @@ constexpr std::int32_t clampMeasure(std::int64_t twips, std::int32_t least, std:
 // Appends text as the content of an element, never as markup. Control characters, NUL among them, become their visible
 // pictures, U+2400 and on.
 //
-// bytes  in Windows-1252
-void appendHtmlText(std::string_view bytes, mifhost::TextConverter &charset, std::string &out);
+// bytes  in UTF-8
+void appendHtmlText(std::string_view bytes, std::string &out);
 
 // Appends a file's name as the content of an element. Names are UTF-8; bytes that are not become U+FFFD.
 void appendHtmlName(std::string_view name, std::string &out);
@@ -35,8 +33,8 @@ void appendHtmlAttribute(std::string_view text, std::string &out);
 
 // Appends text as a CSS string, in its quotes, that can stand in an attribute's value.
 //
-// bytes  in Windows-1252
-void appendCssString(std::string_view bytes, mifhost::TextConverter &charset, std::string &out);
+// bytes  in UTF-8
+void appendCssString(std::string_view bytes, std::string &out);
 
 // Appends a measure in twips as CSS points, such as "50.35pt".
 void appendPoints(std::int64_t twips, std::string &out, std::string_view unit = "pt");

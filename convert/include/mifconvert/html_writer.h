@@ -19,7 +19,6 @@
 #include "mifconvert/html_style.h"
 #include "mifconvert/html_table.h"
 #include "mifconvert/html_tabs.h"
-#include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
 
@@ -37,12 +36,10 @@ public:
 
     // title      of the page, in UTF-8: the name of the document's file, as a rule
     // fonts      the document's fonts
-    // charset    converts the document's text
     // showFrame  called for each frame, perhaps some tokens later
     // out        what the page is appended to
-    // Fonts, charset and out must live as long as the writer.
-    HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset,
-               ShowFrame showFrame, std::string &out);
+    // Fonts and out must live as long as the writer.
+    HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, ShowFrame showFrame, std::string &out);
 
     // Appends what the token adds to the page. What a link covers waits for its end, and notes for the page's.
     void write(const mifhost::Token &token);
@@ -140,7 +137,6 @@ private:
     void closeRun();
 
     std::string title_;
-    mifhost::TextConverter &charset_;
     ShowFrame showFrame_;
     std::string &out_;
     std::string body_; // what is not handed to out_ yet
@@ -166,6 +162,7 @@ private:
     std::vector<Leader> leaders_;
 
     // Of the extended stream.
+    bool isExtended_ = false;
     mifhost::Paragraph format_{};
     std::string formatLanguage_;
     std::string link_; // of the text that follows; empty for none

@@ -10,7 +10,6 @@
 
 #include "mifconvert/base64.h"
 #include "mifconvert/font_introductions.h"
-#include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/token.h"
 
@@ -21,13 +20,9 @@ namespace mifconvert
 class JsonLines
 {
 public:
-    // fonts    the document's fonts
-    // charset  converts its text
-    // out      the lines are appended here; all three must live as long as this
-    JsonLines(const mifhost::FontRegistry &fonts, mifhost::TextConverter &charset, std::string &out)
-        : fonts_(fonts), charset_(charset), out_(out)
-    {
-    }
+    // fonts  the document's fonts
+    // out    the lines are appended here; both must live as long as this
+    JsonLines(const mifhost::FontRegistry &fonts, std::string &out) : fonts_(fonts), out_(out) {}
 
     // The line before all others.
     void begin(const std::string &name, std::uint64_t size);
@@ -48,7 +43,6 @@ public:
 
 private:
     FontIntroductions fonts_;
-    mifhost::TextConverter &charset_;
     std::string &out_;
     Base64Encoder encoder_;
     bool objectIsOpen_ = false;

@@ -7,13 +7,11 @@
 
 #include <nlohmann/json.hpp>
 
-#include "mifhost/charset.h"
-
 namespace mifconvert
 {
 
-// Appends a document's text, bytes of Windows-1252, to out as a JSON string with its quotes, in UTF-8.
-void appendJsonText(std::string_view text, mifhost::TextConverter &charset, std::string &out);
+// Appends a document's text to out as a JSON string with its quotes, in UTF-8.
+void appendJsonText(std::string_view text, std::string &out);
 
 // An object keeps its members in the order in which they were added.
 using Json = nlohmann::ordered_json;

@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "mifhost/charset.h"
 #include "mifhost/token.h"
 
 namespace mifconvert
@@ -20,9 +19,8 @@ namespace mifconvert
 class TextWriter
 {
 public:
-    // charset  converts the document's text
-    // out      the text is appended here; both must live as long as the writer
-    TextWriter(mifhost::TextConverter &charset, std::string &out) : charset_(charset), out_(out) {}
+    // out  the text is appended here; it must live as long as the writer
+    explicit TextWriter(std::string &out) : out_(out) {}
 
     void write(const mifhost::Token &token);
 
@@ -58,7 +56,6 @@ private:
     void writeNotes();
     void writeNote(Note &note);
 
-    mifhost::TextConverter &charset_;
     std::string &out_;
     std::map<std::int32_t, Note> notes_;
     std::vector<std::int32_t> openNotes_; // the innermost last

@@ -1,6 +1,5 @@
-// The character set of the text in a document, which MIF_CHARSET_WINDOWS_1252 names, and the way out of it. Whatever
-// else the reader hands over as bytes (font families, identifiers of objects) is in the same set: bytes that are not
-// converted here must not be taken for UTF-8.
+// The character set of the text in the plain stream, which MIF_CHARSET_WINDOWS_1252 names, and the way out of it.
+// Whatever else the reader hands over there as bytes (font families, identifiers of objects) is in the same set.
 #ifndef MIFHOST_CHARSET_H
 #define MIFHOST_CHARSET_H
 
@@ -12,29 +11,22 @@
 namespace mifhost
 {
 
-// Converts the text of one document to UTF-8, in as many pieces as it comes. As every byte of Windows-1252 is a
-// character of its own, and tokens in UTF-8 hold whole characters, a piece may end where a token does, and several
-// writers may take turns with one object. Between two calls it keeps nothing but the count of undefined bytes.
-class TextConverter
+// Converts the text of one document to UTF-8, in as many pieces as it comes: every byte of Windows-1252 is a character
+// of its own. Between two calls it keeps nothing but the count of undefined bytes. A Document that was not asked for
+// raw tokens has done so already.
+class Windows1252
 {
 public:
     // Makes the table of the upper half, less than 1 KB within the object: better one object for a whole document than
     // one for each text. A copy goes on counting from the count of its original.
-    //   isUtf8  whether the text is UTF-8 already, as the extended stream's is, and not Windows-1252
-    explicit TextConverter(bool isUtf8 = false);
+    Windows1252();
 
     // Appends text to out as UTF-8, which is at most three times as long; what out held before stays.
-    //   text  in UTF-8: is copied. In Windows-1252 any bytes: 0x00 to 0x7F are themselves, control characters and NUL
-    //         among them; the five that Windows-1252 leaves undefined (0x81, 0x8D, 0x8F, 0x90, 0x9D) become U+FFFD.
-    //         Nothing is escaped
+    //   text  any bytes: 0x00 to 0x7F are themselves, control characters and NUL among them; the five that Windows-1252
+    //         leaves undefined (0x81, 0x8D, 0x8F, 0x90, 0x9D) become U+FFFD. Nothing is escaped
     //   out   must not be what text points into
     // Throws std::bad_alloc when out cannot grow; a part of text is then appended and counted.
     void append(std::string_view text, std::string &out);
-
-    bool isUtf8() const noexcept
-    {
-        return isUtf8_;
-    }
 
     // The number of undefined bytes in all text appended so far: how often U+FFFD stands in the output, as no defined
     // byte becomes it.
@@ -55,7 +47,6 @@ private:
     std::array<Encoded, 128> upperHalf_{};
     // Over all calls; never reset.
     std::uint64_t undefinedBytes_ = 0;
-    bool isUtf8_;
 };
 
 } // namespace mifhost

@@ -18,6 +18,7 @@
 #include <span>
 #include <string>
 
+#include "mifhost/charset.h"
 #include "mifhost/fonts.h"
 #include "mifhost/memory.h"
 #include "mifhost/plugin.h"
@@ -26,6 +27,13 @@
 
 namespace mifhost
 {
+
+// What the tokens of a document are.
+enum class TokenForm {
+    Extended, // the extended stream; what Plain gives where the plug-in has none
+    Plain,    // the plain stream with its text, and the names of fonts, in UTF-8; modes end with their paragraph
+    Raw       // the plain stream as the reader gives it
+};
 
 // What a document may use up. All limits are the document's own, however many are read at once.
 struct DocumentOptions {
@@ -50,9 +58,9 @@ struct DocumentOptions {
     // being free.
     static constexpr std::uint64_t announcedFont = 64;
 
-    // Whether to have the extended stream, where the plug-in offers it; and what the document's bytes above 0x7F are, a
-    // MIF_ENCODING value, which only the extended stream takes into account.
-    bool isExtended = false;
+    // Which tokens to have; and what the document's bytes above 0x7F are, a MIF_ENCODING value, which only the extended
+    // stream takes into account.
+    TokenForm form = TokenForm::Extended;
     std::uint32_t encoding = MIF_ENCODING_AUTO;
 
     // For deadlines, progress and cancelling. Called on the thread that reads the document: at every read of the
@@ -104,6 +112,13 @@ public:
         return isExtended_;
     }
 
+    // How many bytes of its text Windows-1252 does not define, which are U+FFFD in the tokens. Of the plain form alone:
+    // the extended stream tells of characters in its losses.
+    std::uint64_t undefinedBytes() const noexcept
+    {
+        return charset_.undefinedBytes();
+    }
+
     // The size of the document in bytes, as the stream found it when it was made.
     std::uint64_t size() const noexcept
     {
@@ -144,6 +159,10 @@ private:
     void fill();
     // Throws what a call of mifFillBuffer failed of: by its result, or by what the stream and the memory met meanwhile.
     void checkResult(std::int32_t result, std::uint32_t written, std::int32_t percent) const;
+    // Makes a token of the plain form of a raw one.
+    const Token *adapt(const Token &token);
+    // The end of one of the modes that the paragraph before has left on.
+    const Token *nextModeEnd();
     // Takes account of bytes that the reader reads, before it gets them.
     void watchRead(std::uint64_t position, std::span<const std::uint8_t> bytes);
     // Throws LimitReached when the document has taken more than the work limit with these bytes.
@@ -164,7 +183,15 @@ private:
     MifFileAccess fileAccess_{};
     bool objectIsOpen_ = false;
     bool isExtended_ = false;
-    std::uint64_t work_ = 0; // bytes, as DocumentOptions::workLimit counts them
+    // Of the plain form.
+    bool isAdapted_ = false;
+    Windows1252 charset_;
+    Windows1252 namesCharset_; // whose characters are not counted
+    std::string text_;         // of the adapted token
+    Token adapted_;
+    std::uint32_t modes_ = 0;       // that are on, as bits
+    std::uint32_t endingModes_ = 0; // whose ends are still to be told
+    std::uint64_t work_ = 0;        // bytes, as DocumentOptions::workLimit counts them
     std::uint64_t workLimit_;
     std::function<void()> proceed_;
     std::uint32_t bufferSize_;

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "mifhost/charset.h"
 #include "mifreader/host.h"
 
 namespace mifhost
@@ -18,8 +19,8 @@ namespace mifhost
 
 // A font family of the document.
 struct FontFace {
-    // At most 31 bytes of Windows-1252, to which the reader cuts a longer name; as the document writes it, so that any
-    // byte but NUL may stand in it.
+    // In UTF-8, where a Document has registered it; at most 31 bytes before the conversion, to which the reader cuts a
+    // longer name. As the document writes it, so that any character but NUL may stand in it.
     std::string name;
 
     // One of MIF_FONT_CLASS_..., as first announced; a value that is none of them when a faulty plug-in says so.
@@ -40,7 +41,8 @@ public:
     // for the same name, whatever its class. It is 0 for a new family when there are mostFamilies: the reader then
     // writes the number 0 into the Font tokens, and the family looks as the first one does. A name without a NUL fills
     // its whole field. Throws std::bad_alloc.
-    std::uint32_t add(const MifFontRecord &record);
+    //   charset  converts the name, which stays as it is without it
+    std::uint32_t add(const MifFontRecord &record, Windows1252 *charset = nullptr);
 
     // Returns the family by the number that a Font token carries, counted from 0, or null when there is none: the token
     // stands before any announcement, or its number is beyond all. The next add() may move it, so that a pointer from a

@@ -14,9 +14,8 @@
 //     returned as a reference, pointer or view belongs to the object that returned it; a token is valid until the next
 //     one is asked for.
 //  4. What the reader knows by its address (Memory, Stream, Document, Object) can be neither copied nor moved.
-//  5. Positions and sizes are bytes, measurements are twips (1440 to the inch), text is Windows-1252 until
-//  TextConverter
-//     converts it.
+//  5. Positions and sizes are bytes, measurements are twips (1440 to the inch), text is UTF-8 but
+//     in raw tokens.
 //  6. A document is smaller than 2 GiB.
 #ifndef MIFHOST_MIFHOST_H
 #define MIFHOST_MIFHOST_H

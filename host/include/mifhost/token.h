@@ -3,7 +3,9 @@
 // Conventions:
 //  1. Measures are twips, 1440 to the inch, and font sizes points. A reader saturates what does not fit; no record
 //     promises more than its type does, so a host that draws clamps.
-//  2. Text is bytes of Windows-1252 (charset.h converts it), with whatever control characters the document holds.
+//  2. Text is UTF-8 from a Document; in raw tokens bytes of Windows-1252 (charset.h converts it). It has whatever
+//  control
+//     characters the document holds.
 //  3. Views point into the bytes given to the decoder, or into the decoder, and are valid until its next call.
 //  4. Formats hold from where they stand until the next token of their kind, paragraph ends included. A stream begins
 //     with PageSetup, LineSpacing and Charset; all other formats begin with zeros: no font, size 0, black, no modes.
@@ -61,7 +63,8 @@ enum class Mode : std::uint8_t { Bold, Italic, Underline, Strike, Superscript, S
 // A run of text: one string of the document, a paragraph's number, a variable or one special character. Runs are not
 // joined, so that a word may be in several.
 struct Text {
-    // Windows-1252, of any length that the buffer for tokens allows; may be empty, and may hold control characters.
+    // UTF-8 from a Document, unless it was asked for raw tokens, which are Windows-1252; of any length that the buffer
+    // for tokens allows; may be empty, and may hold control characters.
     std::string_view bytes;
 };
 
@@ -130,7 +133,10 @@ struct LineBreak {
 
 // The font of the text that follows, which HOST_NOTIFY_FONT has announced before.
 struct Font {
-    // As FontRegistry::find takes it: the host's answer to the announcement minus 1, or 0 when it had none.
+    static constexpr std::uint32_t none = 0xFFFFFFFF;
+
+    // As FontRegistry::find takes it: the host's answer to the announcement minus 1, or 0 when it had none. In the
+    // extended stream none where the document states no family.
     std::uint32_t number;
     // Whole points; 0 when the document states none. A negative size of the document wraps: -3 is 4294967293.
     std::uint32_t size;

@@ -62,7 +62,8 @@ bool mifProcessStartTag(MifContext *context, const MifStatementEntry &row, char 
         return false;
     }
     if constexpr (isExtended) {
-        static_cast<MifLocatedStatement *>(statement)->position = mifLossPosition(context, context->source.scanPosition);
+        static_cast<MifLocatedStatement *>(statement)->position =
+            mifLossPosition(context, context->source.scanPosition);
     }
     scanner.row = &row;
     if ((row.traits & TRAIT_FLAG) != 0) {
