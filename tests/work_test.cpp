@@ -32,9 +32,9 @@ std::string numbered(const std::string &text, size_t count)
     return result;
 }
 
-Work workOf(const std::string &document)
+Work workOf(const std::string &document, bool isExtended = false)
 {
-    const Conversion conversion = convert(document, {.bufferSize = 65536});
+    const Conversion conversion = convert(document, {.isExtended = isExtended, .bufferSize = 65536});
     EXPECT_EQ(conversion.result, 0);
     return conversion.work;
 }
@@ -71,6 +71,28 @@ const Family families[] = {
     {"open brackets", [](size_t n) { return repeated("<", n); }},
     {"comments", [](size_t n) { return repeated("# c\n", n); }},
     {"one line", [](size_t n) { return "<String `" + repeated("x", n) + "'>"; }},
+    {"notes",
+     [](size_t n) {
+         return "<Notes " + numbered("<FNote <ID %> <Para <String `x'>>>\n", n) + ">" +
+                numbered("<Para <FNote %>>\n", n);
+     }},
+    {"markers", [](size_t n) { return numbered("<Para <Marker <MType 8> <MText `newlink %'>><String `x'>>\n", n); }},
+    {"conditions",
+     [](size_t n) {
+         return "<ConditionCatalog " + numbered("<Condition <CTag `T%'> <CState CHidden>>\n", n) + ">" +
+                numbered("<Para <Conditional <InCondition `T%'>> <String `x'>>\n", n);
+     }},
+    {"colors",
+     [](size_t n) {
+         return "<ColorCatalog " + numbered("<Color <ColorTag `C%'> <ColorCyan 5>>\n", n) + ">" +
+                numbered("<Para <FColor `C%'> <String `x'>>\n", n);
+     }},
+    {"table formats",
+     [](size_t n) {
+         return "<TblCatalog " + numbered("<TblFormat <TblTag `T%'> <TblLRuling `R%'>>\n", n) + ">" +
+                numbered("<RulingCatalog <Ruling <RulingTag `R%'>>>\n", n);
+     }},
+    {"nested paragraphs", [](size_t n) { return repeated("<Para <String `x'>", n) + repeated(">", n); }},
 };
 
 } // namespace
@@ -79,23 +101,28 @@ const Family families[] = {
 TEST(Work, GrowsWithTheDocument)
 {
     for (const Family &family : families) {
-        const size_t count = 3000;
-        const std::string document = documentOf(family.flow(2 * count));
-        const Work once = workOf(documentOf(family.flow(count)));
-        const Work twice = workOf(document);
-        EXPECT_EQ(twice.bytesRead, document.size()) << family.what;
-        EXPECT_LE(twice.reads, document.size() / 2000 + 3) << family.what;
-        EXPECT_EQ(twice.seeks, 2U) << family.what;
-        EXPECT_LE(twice.allocations, 2 * once.allocations) << family.what;
-        EXPECT_LE(twice.peakBytes, 2 * once.peakBytes) << family.what;
+        for (const bool isExtended : {false, true}) {
+            SCOPED_TRACE(std::string(family.what) + (isExtended ? ", extended" : ""));
+            const size_t count = 3000;
+            const std::string document = documentOf(family.flow(2 * count));
+            const Work once = workOf(documentOf(family.flow(count)), isExtended);
+            const Work twice = workOf(document, isExtended);
+            EXPECT_EQ(twice.bytesRead, document.size());
+            EXPECT_LE(twice.reads, document.size() / 2000 + 3);
+            EXPECT_EQ(twice.seeks, 2U);
+            EXPECT_LE(twice.allocations, 2 * once.allocations);
+            EXPECT_LE(twice.peakBytes, 2 * once.peakBytes);
+        }
     }
 }
 
 // Text takes no memory.
 TEST(Work, MemoryOfText)
 {
-    const Work work = workOf(documentOf(families[0].flow(20000)));
-    EXPECT_LT(work.peakBytes, 20'000U);
+    for (const bool isExtended : {false, true}) {
+        const Work work = workOf(documentOf(families[0].flow(20000)), isExtended);
+        EXPECT_LT(work.peakBytes, isExtended ? 60'000U : 20'000U);
+    }
 }
 
 // An anchor costs one pass over its table, and the stretches that the table and the anchor stand in.
@@ -118,13 +145,32 @@ TEST(Work, MemoryIsBoundedByTheDocument)
 {
     const size_t count = 50000;
     for (const std::string &flow :
-         {repeated("< ", count), "<AFrames <Frame " + numbered("<ID %>", count) + ">>",
-          "<Pgf <PgfTag a>" + repeated("< >", count), "<FontCatalog " + numbered("<Font <FTag %>>", count),
+         {repeated("< ", count),
+          "<AFrames <Frame " + numbered("<ID %>", count) + ">>",
+          "<Pgf <PgfTag a>" + repeated("< >", count),
+          "<FontCatalog " + numbered("<Font <FTag %>>", count),
           "<PgfNumTabs 1000000>" + repeated("<TSX 1>", count),
-          "<Page <PageType BodyPage><TextRect " + numbered("<ID %>", count), numbered("<TblID %>", count),
-          "<VariableFormats " + numbered("<VariableName `%'>", count), "<String `" + repeated("\\t", 2040) + "'>",
-          repeated("<TblNumColumns 4096>", 100)}) {
-        const Conversion conversion = convert(documentOf(flow), {.bufferSize = 4200});
-        EXPECT_EQ(conversion.result, 0);
+          "<Page <PageType BodyPage><TextRect " + numbered("<ID %>", count),
+          numbered("<TblID %>", count),
+          "<VariableFormats " + numbered("<VariableName `%'>", count),
+          "<String `" + repeated("\\t", 2040) + "'>",
+          repeated("<TblNumColumns 4096>", 100),
+          repeated("<Para ", count),
+          repeated("<Notes <FNote <Para <XRef <XRefSrcText `x'>>", count),
+          "<ColorCatalog " + numbered("<ColorTag %>", count),
+          "<ConditionCatalog " + numbered("<CTag %>", count),
+          "<RulingCatalog " + numbered("<RulingTag %>", count),
+          numbered("<FColor %>", count),
+          numbered("<FFamily %>", count),
+          "<TblCatalog " + numbered("<TblFormat <TblTag %>>", count),
+          "<TblCatalog " + numbered("<TblFormat <TblTag %><TblColumnNum 4095><TblColumnWidth 1>>", count),
+          "<TblCatalog <TblFormat " + numbered("<TblLRuling %><TblBodyColor %>", count),
+          numbered("<AFrames <Frame <ID %><ImportObject <ImportObFile %>>", count),
+          "<PgfCatalog <Pgf <PgfTag a>" + repeated("<TabStop <TSX 1>>", count)}) {
+        for (const bool isExtended : {false, true}) {
+            const Conversion conversion =
+                convert(documentOf(flow), {.isExtended = isExtended, .bufferSize = isExtended ? 40'000U : 4200});
+            EXPECT_EQ(conversion.result, 0) << flow.substr(0, 60);
+        }
     }
 }

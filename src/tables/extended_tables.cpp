@@ -111,6 +111,7 @@ void mifBeginTable(MifContext *context)
     tables.inTable = 1;
     tables.rowKind = MIF_ROW_BODY;
     tables.ownColumns.count = 0;
+    tables.ownColumns.columns = 0;
     tables.ownColumnCount = 0;
     mifClearTableFormat(context, tables.table);
 }

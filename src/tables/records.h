@@ -43,15 +43,18 @@ inline constexpr uint32_t cellEdges = EDGE_BOTTOM + 1;
 inline constexpr int32_t mostTableColumns = 4096;
 
 struct MifColumnFormat {
-    int32_t width; // twips, or parts of what is left when it is a share
+    int32_t column; // counted from 0
+    int32_t width;  // twips, or parts of what is left when it is a share
     uint32_t isShare;
 };
 
-// Columns are an owned array; null when the capacity is 0.
+// What is stated of columns, in its order, so that a later statement wins: no more than the document has of it. An
+// owned array; null when the capacity is 0.
 struct MifColumnList {
-    MifColumnFormat *columns;
+    MifColumnFormat *stated;
     int32_t count;
     int32_t capacity;
+    int32_t columns; // as many as the last of them asks for
 };
 
 // How a table looks. Measures are twips.
@@ -100,7 +103,6 @@ struct MifExtendedTableState {
     uint32_t isCellShown;   // the row is told, and no condition around the cell hides it
     int32_t nextColumn;     // of the next cell in the row
     int32_t coveredColumns; // cells that the one before covers
-    int32_t *shownWidths;   // of the table's columns, owned; null for none
     int32_t *coveredRows;   // for each column how many rows a cell still covers; owned, null for none
     int32_t shownColumns;
     MifExtendedCell cell;

@@ -87,44 +87,44 @@ bool reserveColumns(MifContext *context, MifColumnList &list, int32_t count)
     if (count <= list.capacity) {
         return true;
     }
-    const int32_t capacity = std::min(mostTableColumns, std::max(8, count + count / 2));
-    auto *columns = static_cast<MifColumnFormat *>(
+    const int32_t capacity = std::min(mostTableColumns, std::max(4, count + count / 2));
+    auto *stated = static_cast<MifColumnFormat *>(
         mifAllocateZeroedBytes(context, static_cast<size_t>(capacity) * sizeof(MifColumnFormat)));
-    if (columns == nullptr) {
+    if (stated == nullptr) {
         return false;
     }
-    std::copy_n(list.columns, list.count, columns);
-    mifRelease(context, list.columns);
-    list.columns = columns;
+    std::copy_n(list.stated, list.count, stated);
+    mifRelease(context, list.stated);
+    list.stated = stated;
     list.capacity = capacity;
     return true;
 }
 
-int setColumn(MifContext *context, MifColumnList &list, int32_t column, MifColumnFormat format)
+int addColumn(MifContext *context, MifColumnList &list, MifColumnFormat format)
 {
-    if (column < 0 || column >= mostTableColumns || !reserveColumns(context, list, column + 1)) {
+    if (format.column < 0 || format.column >= mostTableColumns || list.count == mostTableColumns ||
+        !reserveColumns(context, list, list.count + 1)) {
         return 0;
     }
-    while (list.count <= column) {
-        list.columns[list.count++] = {};
-    }
-    list.columns[column] = format;
+    list.stated[list.count++] = format;
+    list.columns = std::max(list.columns, format.column + 1);
     return 1;
 }
 
 // Of the format's column, or the table's next one.
-int takeColumn(MifContext *context, MifColumnFormat format)
+int takeColumn(MifContext *context, int32_t width, bool isShare)
 {
     MifExtendedTableState &tables = context->tables.extended;
+    const uint32_t share = isShare ? 1 : 0;
     if (context->tables.inTblFormat != 0) {
-        return setColumn(context, tables.table.columns, tables.column, format);
+        return addColumn(context, tables.table.columns, {tables.column, width, share});
     }
-    return tables.inTable != 0 ? setColumn(context, tables.ownColumns, tables.ownColumns.count, format) : 1;
+    return tables.inTable != 0 ? addColumn(context, tables.ownColumns, {tables.ownColumns.count, width, share}) : 1;
 }
 
 void freeColumns(MifContext *context, MifColumnList &list)
 {
-    mifRelease(context, list.columns);
+    mifRelease(context, list.stated);
     list = {};
 }
 
@@ -145,8 +145,8 @@ int takeOver(MifContext *context, const MifTableFormat &format)
     table.id = id;
     table.columns = {};
     int result = 1;
-    for (int32_t column = 0; column < format.columns.count && result != 0; ++column) {
-        result = setColumn(context, table.columns, column, format.columns.columns[column]);
+    for (int32_t index = 0; index < format.columns.count && result != 0; ++index) {
+        result = addColumn(context, table.columns, format.columns.stated[index]);
     }
     return result;
 }
@@ -219,7 +219,7 @@ int mifColumnWidth(MifContext *context)
     if (value == nullptr) {
         return 0;
     }
-    return takeColumn(context, {mifParseTwips(value), 0}) & mifTblColumnWidth(context);
+    return takeColumn(context, mifParseTwips(value), false) & mifTblColumnWidth(context);
 }
 
 // The least width and the greatest, which it is.
@@ -230,7 +230,7 @@ int mifColumnWidthA(MifContext *context)
         return 0;
     }
     MifMeasurementList rest(value);
-    return takeColumn(context, {rest.next(), 0}) & mifTblColumnWidthA(context);
+    return takeColumn(context, rest.next(), false) & mifTblColumnWidthA(context);
 }
 
 int mifColumnWidthP(MifContext *context)
@@ -239,7 +239,7 @@ int mifColumnWidthP(MifContext *context)
     if (value == nullptr) {
         return 0;
     }
-    return takeColumn(context, {std::clamp(mifParseInteger(value), 0, mostTableColumns), 1});
+    return takeColumn(context, std::clamp(mifParseInteger(value), 0, mostTableColumns), true);
 }
 
 int mifTableWidth(MifContext *context)
@@ -388,5 +388,4 @@ void mifFreeTableFormats(MifContext *context)
     tables.rulingNames.clear();
     mifClearTableFormat(context, tables.table);
     freeColumns(context, tables.ownColumns);
-    mifRelease(context, std::exchange(tables.shownWidths, nullptr));
 }

@@ -1,7 +1,6 @@
 #include "tables/table_layout.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "reader/extended_tokens.h"
 #include "reader/host_memory.h"
@@ -10,41 +9,45 @@
 namespace
 {
 
-// The widths of the table being read, as many as it has columns: its own, or its format's, or shares of the page.
-// Returns how many, with the widths in shownWidths.
-int32_t layOutColumns(MifContext *context)
+// The format of each column: the table's own width, else its format's. Null when memory is exhausted.
+MifColumnFormat *collectColumns(MifContext *context, int32_t count)
 {
-    MifExtendedTableState &tables = context->tables.extended;
-    const MifColumnList &own = tables.ownColumns;
-    const MifColumnList &formats = tables.table.columns;
-    const int32_t count = tables.ownColumnCount > 0 ? tables.ownColumnCount : std::max(own.count, formats.count);
-    const size_t size = std::max<size_t>(static_cast<size_t>(count), 1) * sizeof(int32_t);
-    auto *widths = static_cast<int32_t *>(mifAllocateZeroedBytes(context, size));
-    mifRelease(context, std::exchange(tables.shownWidths, widths));
-    if (widths == nullptr) {
-        return 0;
+    const MifExtendedTableState &tables = context->tables.extended;
+    auto *columns = static_cast<MifColumnFormat *>(
+        mifAllocateZeroedBytes(context, static_cast<size_t>(count) * sizeof(MifColumnFormat)));
+    if (columns == nullptr) {
+        return nullptr;
     }
-    const auto columnOf = [&](int32_t column) -> MifColumnFormat {
-        const bool isOwn = column < own.count && own.columns[column].width > 0;
-        return isOwn ? own.columns[column] : column < formats.count ? formats.columns[column] : MifColumnFormat{};
-    };
+    for (const MifColumnList *list : {&tables.table.columns, &tables.ownColumns}) {
+        for (int32_t index = 0; index < list->count; ++index) {
+            const MifColumnFormat &format = list->stated[index];
+            if (format.column < count && (format.width > 0 || list != &tables.ownColumns)) {
+                columns[format.column] = format;
+            }
+        }
+    }
+    return columns;
+}
+
+// Columns without a width share the page.
+void layOutColumns(const MifContext *context, const MifColumnFormat *columns, int32_t count, int32_t *widths)
+{
     int64_t stated = 0;
     int64_t shares = 0;
     for (int32_t column = 0; column < count; ++column) {
-        const MifColumnFormat format = columnOf(column);
-        (format.isShare != 0 ? shares : stated) += std::max(format.width, 0);
+        (columns[column].isShare != 0 ? shares : stated) += std::max(columns[column].width, 0);
     }
     const int64_t room = int64_t{context->pages.pageWidth} - context->formats.currentStyle.leftIndent -
                          context->formats.currentStyle.rightIndent;
-    const int64_t shared = std::max<int64_t>((tables.table.width > 0 ? tables.table.width : room) - stated, 0);
+    const int32_t tableWidth = context->tables.extended.table.width;
+    const int64_t shared = std::max<int64_t>((tableWidth > 0 ? tableWidth : room) - stated, 0);
     for (int32_t column = 0; column < count; ++column) {
-        const MifColumnFormat format = columnOf(column);
+        const MifColumnFormat &format = columns[column];
         const int64_t width = format.width <= 0     ? std::max<int64_t>(room, 0) / count
                               : format.isShare != 0 ? shared * format.width / shares
                                                     : format.width;
         widths[column] = mifSaturate(width);
     }
-    return count;
 }
 
 } // namespace
@@ -52,12 +55,19 @@ int32_t layOutColumns(MifContext *context)
 void mifTellTable(MifContext *context)
 {
     MifExtendedTableState &tables = context->tables.extended;
-    tables.shownColumns = layOutColumns(context);
-    const size_t size = std::max<size_t>(static_cast<size_t>(tables.shownColumns), 1) * sizeof(int32_t);
+    const int32_t stated = std::max(tables.ownColumns.columns, tables.table.columns.columns);
+    const int32_t count = tables.ownColumnCount > 0 ? tables.ownColumnCount : stated;
+    const size_t size = std::max<size_t>(static_cast<size_t>(count), 1) * sizeof(int32_t);
+    MifColumnFormat *columns = collectColumns(context, std::max(count, 1));
+    auto *widths = static_cast<int32_t *>(mifAllocateZeroedBytes(context, size));
     mifRelease(context, tables.coveredRows);
     tables.coveredRows = static_cast<int32_t *>(mifAllocateZeroedBytes(context, size));
-    if (tables.coveredRows == nullptr) {
-        tables.shownColumns = 0;
+    const bool isLaidOut = columns != nullptr && widths != nullptr && tables.coveredRows != nullptr;
+    tables.shownColumns = isLaidOut ? count : 0;
+    if (isLaidOut) {
+        layOutColumns(context, columns, count, widths);
     }
-    mifWriteTableOpen(context, tables.table, tables.shownColumns, tables.shownWidths);
+    mifWriteTableOpen(context, tables.table, tables.shownColumns, widths);
+    mifRelease(context, columns);
+    mifRelease(context, widths);
 }

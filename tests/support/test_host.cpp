@@ -378,7 +378,8 @@ void TestHost::checkWork(const Conversion &conversion) const
     const size_t limit = std::max<size_t>(size_t{conditions_.bufferSize} * 9 / 10, 1);
     ASSERT_LE(work_.calls, 2 * conversion.stream.size() / limit + 2) << "calls without progress";
     EXPECT_LE(work_.peakBytes,
-              memoryPerByte * document_.size() + memoryPerBufferByte * size_t{conditions_.bufferSize} + memoryAnyway);
+              memoryPerByte * document_.size() + memoryPerBufferByte * size_t{conditions_.bufferSize} + memoryAnyway)
+        << double(work_.peakBytes) / double(document_.size()) << " for each byte of " << document_.substr(60, 150);
 }
 
 bool TestHost::readObject(MifContext *context, const std::string &name, size_t block, std::string &bytes)
