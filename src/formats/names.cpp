@@ -58,22 +58,25 @@ uint32_t glyphsOf(std::string_view family)
     return family == "Symbol" ? GLYPHS_SYMBOL : family == "ZapfDingbats" ? GLYPHS_DINGBATS : GLYPHS_TEXT;
 }
 
-// What a channel has of white when there is so much ink of its colour, and so much black, in percent.
-uint32_t channel(double ink, double black)
+// What a channel has of white when there is so much ink of its colour, and so much black.
+uint32_t channel(int32_t ink, int32_t black)
 {
-    const double covered = std::clamp((ink + black) / 100, 0.0, 1.0);
-    return (static_cast<uint32_t>(2 * 255 * (1 - covered)) + 1) / 2; // rounded
+    const int32_t covered = std::min(ink + black, fullInk);
+    return static_cast<uint32_t>((255 * (fullInk - covered) + fullInk / 2) / fullInk);
 }
 
-template <double MifInks::*ink>
+template <int32_t MifInks::*ink>
 int setInk(MifContext *context)
 {
     const char *value = mifUnquotedValue(context);
     if (value == nullptr) {
         return 0;
     }
-    const double percent = mifParseNumber(value);
-    context->formats.extended.inks.*ink = percent >= 0 && percent <= 100 ? percent : percent > 100 ? 100 : 0;
+    constexpr double percent = 1000; // parts of full ink
+    const double parts = mifParseNumber(value) * percent + 0.5;
+    context->formats.extended.inks.*ink = parts >= 0 && parts <= fullInk ? static_cast<int32_t>(parts)
+                                          : parts > fullInk              ? fullInk
+                                                                         : 0;
     return 1;
 }
 

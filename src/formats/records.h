@@ -65,13 +65,15 @@ struct MifFormatCatalog {
     uint32_t pending;         // an entry has been made and its definition is being stored
 };
 
-// What a color of the catalog is made of, in percent of full ink.
+// What a color of the catalog is made of, in parts of full ink.
 struct MifInks {
-    double cyan;
-    double magenta;
-    double yellow;
-    double black;
+    int32_t cyan;
+    int32_t magenta;
+    int32_t yellow;
+    int32_t black;
 };
+
+inline constexpr int32_t fullInk = 100'000; // thousandths of a percent: whole numbers round alike on all machines
 
 inline constexpr uint32_t languageCount = 20;
 

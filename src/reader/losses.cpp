@@ -1,7 +1,13 @@
 #include "reader/losses.h"
 
 #include "reader/extended_tokens.h"
+#include "reader/host_memory.h"
 #include "reader/source.h"
+
+void mifCountRefusal(MifContext *context)
+{
+    ++context->extension.refusals;
+}
 
 int32_t mifLossPosition(const MifContext *context, const char *byte)
 {

@@ -43,7 +43,11 @@ constexpr NamedCharacter namedCharacters[] = {
 int writeText(MifContext *context, std::string_view text)
 {
     const MifFontFamily *family = context->formats.extended.wanted.characters.family;
-    MifTextReader reader(context, text, family != nullptr ? family->glyphs : GLYPHS_TEXT);
+    const uint32_t glyphs = family != nullptr ? family->glyphs : uint32_t{GLYPHS_TEXT};
+    if (glyphs == GLYPHS_TEXT && !text.empty() && mifPlainRun(text) == text.size()) {
+        return mifWriteUtf8(context, text);
+    }
+    MifTextReader reader(context, text, glyphs);
     char *room = context->text.room;
     char *place = room;
     int result = 1;
@@ -54,6 +58,8 @@ int writeText(MifContext *context, std::string_view text)
         }
     };
     for (;;) {
+        const std::string_view run = reader.plainRun();
+        place = std::copy(run.begin(), run.end(), place);
         switch (reader.next()) {
         case MifTextStep::character:
             place = mifStoreCharacter(place, reader.character());

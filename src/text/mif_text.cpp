@@ -73,6 +73,14 @@ MifTextStep MifTextReader::is(uint32_t character)
     return MifTextStep::character;
 }
 
+std::string_view MifTextReader::plainRun()
+{
+    const std::string_view rest(position_, static_cast<size_t>(end_ - position_));
+    const std::string_view run = rest.substr(0, glyphs_ == GLYPHS_TEXT ? mifPlainRun(rest) : 0);
+    position_ += run.size();
+    return run;
+}
+
 MifTextStep MifTextReader::next()
 {
     while (position_ != end_) {
@@ -180,10 +188,7 @@ uint32_t MifTextReader::rawCharacter()
 const char *mifTextOfValue(MifContext *context, const char *value)
 {
     const std::string_view text = value;
-    const bool isPlain = std::all_of(text.begin(), text.end(), [](char byte) {
-        return byte != '\\' && byte != '\n' && byte != '\r' && static_cast<unsigned char>(byte) < 0x80;
-    });
-    if (isPlain) {
+    if (mifPlainRun(text) == text.size()) {
         return value;
     }
     MifTextReader reader(context, text, GLYPHS_TEXT);

@@ -20,6 +20,9 @@ public:
 
     MifTextStep next();
 
+    // The plain characters that come next, which are taken up; they are written as they stand.
+    std::string_view plainRun();
+
     // The one that the last step is.
     uint32_t character() const
     {

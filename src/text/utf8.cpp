@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "reader/words.h"
+
 namespace
 {
 
@@ -58,6 +60,23 @@ size_t mifReadCharacter(const char *position, const char *end, uint32_t &charact
 bool mifIsAscii(std::string_view text)
 {
     return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+size_t mifPlainRun(std::string_view text)
+{
+    size_t run = 0;
+    while (text.size() - run >= sizeof(MifWord)) {
+        const MifWord word = mifLoadWord(text.data() + run);
+        const MifWord marks = (word & mifEveryByte(0x80)) | mifMarkBelow(word, ' ') | mifMarkByte(word, '\\');
+        if (marks != 0) {
+            return run + mifBytesBefore(marks);
+        }
+        run += sizeof(MifWord);
+    }
+    while (run < text.size() && static_cast<unsigned char>(text[run] - ' ') < 0x60 && text[run] != '\\') {
+        ++run;
+    }
+    return run;
 }
 
 bool mifIsUtf8(std::string_view text)

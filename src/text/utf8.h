@@ -16,6 +16,10 @@ size_t mifReadCharacter(const char *position, const char *end, uint32_t &charact
 
 bool mifIsAscii(std::string_view text);
 
+// How many bytes at the text's beginning are characters of their own in every encoding of documents: printable ASCII
+// without the backslash.
+size_t mifPlainRun(std::string_view text);
+
 // Whether all of the text is UTF-8.
 bool mifIsUtf8(std::string_view text);
 
