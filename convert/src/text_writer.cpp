@@ -20,6 +20,7 @@ std::string &TextWriter::target()
         lineEnded_ = false;
         target += ' ';
     }
+    isMidLine_ = isMidLine_ || openNotes_.empty();
     return target;
 }
 
@@ -44,6 +45,7 @@ void TextWriter::put(const mifhost::LineBreak & /*lineBreak*/)
         lineEnded_ = true;
     } else {
         target() += '\n';
+        isMidLine_ = isMidLine_ && !openNotes_.empty();
     }
 }
 
@@ -99,6 +101,31 @@ void TextWriter::put(const mifhost::CellEnd & /*end*/)
     cellIsOpen_ = false;
 }
 
+// What is a table's own, or a box's, does not go on with the line that anchors it.
+void TextWriter::beginBlock()
+{
+    endRow();
+    if (isMidLine_ && openNotes_.empty()) {
+        out_ += '\n';
+        isMidLine_ = false;
+    }
+}
+
+void TextWriter::put(const mifhost::TableOpen & /*table*/)
+{
+    beginBlock();
+}
+
+void TextWriter::put(const mifhost::TitleBegin & /*begin*/)
+{
+    beginBlock();
+}
+
+void TextWriter::put(const mifhost::BoxBegin & /*box*/)
+{
+    beginBlock();
+}
+
 void TextWriter::put(const mifhost::TableClose & /*end*/)
 {
     endRow();
@@ -113,6 +140,7 @@ void TextWriter::endRow()
     cellIsOpen_ = false;
     if (std::exchange(rowIsOpen_, false)) {
         target() += '\n';
+        isMidLine_ = isMidLine_ && !openNotes_.empty();
     }
 }
 

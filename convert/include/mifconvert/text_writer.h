@@ -45,6 +45,9 @@ private:
     void put(const mifhost::Row &row);
     void put(const mifhost::Cell &cell);
     void put(const mifhost::CellEnd &end);
+    void put(const mifhost::TableOpen &table);
+    void put(const mifhost::TitleBegin &begin);
+    void put(const mifhost::BoxBegin &box);
     void put(const mifhost::TableClose &end);
     template <typename Other>
     void put(const Other & /*other*/)
@@ -52,6 +55,7 @@ private:
     }
 
     std::string &target();
+    void beginBlock();
     void endRow();
     void writeNotes();
     void writeNote(Note &note);
@@ -64,6 +68,7 @@ private:
     bool rowIsOpen_ = false;
     bool cellIsOpen_ = false;
     bool isFirstCell_ = false;
+    bool isMidLine_ = false;
     bool lineEnded_ = false; // in a cell, where the next text begins a line that is none
 };
 
