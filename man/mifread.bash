@@ -33,7 +33,7 @@ _mifread()
     local batch="$many --update"
     local -A options=(
         [text]=$batch
-        [html]=$batch
+        [html]="$batch --embed-pictures"
         [json]="$batch --objects"
         [objects]="$many --json"
         [info]="$batch --json"

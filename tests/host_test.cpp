@@ -111,6 +111,17 @@ TEST(Document, ReadsWithThePluginOfItsOwn)
     EXPECT_EQ(textOf(again), "a");
 }
 
+TEST(Document, TellsWhatTheDocumentSaysOfItself)
+{
+    const std::string text = documentOf("<PDFDocInfo <Key `Title'><Value `\xc3\x9c'><Key `Author'><Value `A'>>"
+                                        "<Para <PgfLanguage Danish><String `x'>>");
+    mifhost::MemoryStream stream(bytesOf(text), "name");
+    mifhost::Document document(stream);
+    textOf(document);
+    const mifhost::DocumentInfo expected = {"5.50", "\u00dc", "A", "", "", "da", "UTF-8"};
+    EXPECT_EQ(document.info(), expected);
+}
+
 // In each form of tokens; a plug-in without the extended stream gives the plain one.
 TEST(Document, GivesUtf8WhateverThePluginGives)
 {

@@ -101,6 +101,32 @@ class Files(InFolder):
         written = {str(path.relative_to(self.folder)) for path in self.folder.rglob("*") if path.is_file()}
         self.assertEqual(written, {"a.mif", "in/a.mif", "out/x/7.bin", "secret.png"})
 
+    def test_pictures_are_taken_from_beside_the_document(self):
+        picture = base64.b64decode("R0lGODlhAQABAIAAAAAAAP///yH5BAEAAAAALAAAAAABAAEAAAIBRAA7")
+        for name in "out.gif", "in/a.gif", "in/below/b.gif":
+            self.write(name, picture)
+        self.write("in/secret.txt", b"SECRET")
+        (self.folder / "in/link.gif").symlink_to("../out.gif")
+        os.mkfifo(self.folder / "in/fifo")
+        names = ["a.gif", "below/../below/b.gif", "../out.gif", "link.gif", str(self.folder / "out.gif"), "secret.txt", "fifo",
+                 "missing.gif", "below", "../in/a.gif"]
+        frames = "".join(f"<Frame <ID {n}> <ImportObject <ImportObFile `{name}'>>>" for n, name in enumerate(names))
+        anchors = "".join(f"<Para <AFrame {n}>>" for n in range(len(names)))
+        self.write("in/a.mif", HEADER + f"<AFrames {frames}><TextFlow <TextRectID 9> {anchors}>".encode())
+        url = "data:image/gif;base64," + base64.b64encode(picture).decode()
+
+        def taken(*options):
+            page = self.mifread("html", "in/a.mif", *options)[0].decode()
+            self.assertNotIn(base64.b64encode(b"SECRET").decode(), page)
+            shown = re.findall(r'<img[^>]* src="([^"]*)"|<span class="object">', page)
+            self.assertEqual(len(shown), len(names))
+            return [names[n] for n, source in enumerate(shown) if source == url]
+
+        self.assertEqual(taken(), [])
+        self.assertEqual(taken("--embed-pictures"), ["a.gif", "below/../below/b.gif", "../in/a.gif"])
+        self.assertEqual(len(taken("--embed-pictures=all")), 6)
+        self.mifread("html", "in/a.mif", "--embed-pictures=x", code=2)
+
     def test_no_half_result_has_its_name(self):
         self.write("kept.txt", b"kept")
         for name in "kept.txt", "new.txt":

@@ -273,9 +273,13 @@ void HtmlWriter::writePicture(const Leader &picture)
     lineIsEmpty_ = false;
     line_.passBy(clampMeasure(picture.width, 0, largestMeasure));
     std::string &out = line_.text();
-    if (isRelative(picture.id)) {
+    std::string source = pictureSource_ ? pictureSource_(picture.id) : "";
+    if (source.empty() && isRelative(picture.id)) {
+        source = pathReference(picture.id);
+    }
+    if (!source.empty()) {
         out += standsAlone(frame) ? "<img class=\"alone\"" : "<img";
-        out.append(" src=\"").append(pathReference(picture.id)).append("\" alt=\"");
+        out.append(" src=\"").append(source).append("\" alt=\"");
         appendHtmlAttribute(picture.id, out);
         out += '"';
         appendFrameSize(frame, out);

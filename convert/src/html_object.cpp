@@ -28,14 +28,6 @@ constexpr std::array pictureTypes = {
     PictureType{"image/svg+xml", "image/svg+xml"},
 };
 
-// Returns the type's name in a page, or nothing when browsers show no such pictures.
-std::string_view pictureTypeOf(std::string_view mimeType)
-{
-    const auto *found = std::find_if(pictureTypes.begin(), pictureTypes.end(),
-                                     [mimeType](const PictureType &row) { return row.found == mimeType; });
-    return found != pictureTypes.end() ? found->named : std::string_view{};
-}
-
 // The identifier becomes part of an attribute and of a file's name.
 std::string safeName(std::string_view id)
 {
@@ -46,6 +38,13 @@ std::string safeName(std::string_view id)
 }
 
 } // namespace
+
+std::string_view pagePictureType(std::string_view mimeType)
+{
+    const auto *found = std::find_if(pictureTypes.begin(), pictureTypes.end(),
+                                     [mimeType](const PictureType &row) { return row.found == mimeType; });
+    return found != pictureTypes.end() ? found->named : std::string_view{};
+}
 
 // A picture keeps its shape where the page is narrower than it; a measure that the document does not state is the
 // picture's own.
@@ -74,7 +73,7 @@ HtmlObject::HtmlObject(const mifhost::Frame &frame, std::string_view mimeType, s
                        std::string &out)
     : out_(out)
 {
-    const std::string_view picture = pictureTypeOf(mimeType);
+    const std::string_view picture = pagePictureType(mimeType);
     const std::string name = safeName(frame.id);
     const bool alone = standsAlone(frame);
     if (!picture.empty()) {

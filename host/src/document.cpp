@@ -89,7 +89,7 @@ const Token *Document::next()
             return nextModeEnd();
         }
         if (const Token *token = decoder_.next()) {
-            return isAdapted_ ? adapt(*token) : token;
+            return handOut(*token);
         }
         if (failure_ != nullptr) {
             std::rethrow_exception(failure_);
@@ -99,6 +99,17 @@ const Token *Document::next()
         }
         fill();
     }
+}
+
+const Token *Document::handOut(const Token &token)
+{
+    if (isAdapted_) {
+        return adapt(token);
+    }
+    if (const auto *field = std::get_if<DocumentField>(&token)) {
+        info_[static_cast<std::size_t>(field->kind)] = field->value;
+    }
+    return &token;
 }
 
 const Token *Document::adapt(const Token &token)

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "conversion.h"
+#include "options.h"
 
 namespace mifread
 {
@@ -29,7 +30,7 @@ struct Command {
 Command textCommand(bool forTerminal);
 
 // A page that shows it.
-Command htmlCommand();
+Command htmlCommand(EmbedPictures pictures);
 
 // Its token stream, one token a line, for people.
 Command tokensCommand();

@@ -10,6 +10,7 @@
 #include "mifconvert/html_object.h"
 #include "mifconvert/html_writer.h"
 #include "object_data.h"
+#include "page_pictures.h"
 #include "paths.h"
 
 namespace mifread
@@ -59,7 +60,7 @@ void PageObjects::show(const mifhost::Frame &frame, std::string &out)
     element->finish();
 }
 
-void writePage(Conversion &conversion)
+void writePage(Conversion &conversion, EmbedPictures which)
 {
     const mifhost::Document &document = conversion.document();
     PageObjects objects(conversion);
@@ -67,6 +68,8 @@ void writePage(Conversion &conversion)
     mifconvert::HtmlWriter writer(
         title, document.fonts(),
         [&objects](const mifhost::Frame &frame, std::string &out) { objects.show(frame, out); }, conversion.text());
+    PagePictures pictures(conversion, which);
+    writer.setPictureSource([&pictures](std::string_view path) { return pictures.sourceOf(path); });
     while (const mifhost::Token *token = conversion.next()) {
         writer.write(*token);
     }
@@ -75,9 +78,11 @@ void writePage(Conversion &conversion)
 
 } // namespace
 
-Command htmlCommand()
+Command htmlCommand(EmbedPictures pictures)
 {
-    return {.convert = writePage, .results = Results::Single, .extension = ".html"};
+    return {.convert = [pictures](Conversion &conversion) { writePage(conversion, pictures); },
+            .results = Results::Single,
+            .extension = ".html"};
 }
 
 } // namespace mifread

@@ -47,10 +47,6 @@ public:
     {
         endTable();
     }
-    void operator()(const mifhost::DocumentField &field)
-    {
-        info_.fields[static_cast<std::size_t>(field.kind)] = field.value;
-    }
     void operator()(const mifhost::Frame &frame);
     template <typename Other>
     void operator()(const Other &)
@@ -81,6 +77,7 @@ DocumentInfo Inspection::run()
     addFonts();
     info_.name = document.name();
     info_.size = document.size();
+    info_.fields = document.info();
     info_.lossTotals = conversion_.lossTotals();
     info_.losses = conversion_.losses();
     info_.peakMemory = document.memory().peakBytes();

@@ -43,8 +43,8 @@ struct DocumentInfo {
     std::vector<FontInfo> fonts;                                             // in the order of their announcement
     std::map<std::size_t, std::uint64_t> tables; // how many by columns; 0 columns for tables that state none
     std::vector<ObjectInfo> objects;             // each once, in the order of their first frames
-    std::array<std::string, 7> fields;           // by DocumentFieldKind, in UTF-8; empty for what is not stated
-    std::vector<mifhost::LossTotal> lossTotals;  // of the reader, also of what is no text and no data
+    mifhost::DocumentInfo fields;
+    std::vector<mifhost::LossTotal> lossTotals; // of the reader, also of what is no text and no data
     std::vector<std::string> losses;
     std::uint64_t peakMemory = 0; // bytes in use by the reader at the highest
     double seconds = 0;           // that all this took

@@ -238,7 +238,16 @@ void addHtml(CLI::App &program, Options &options, mifread::Command &command)
 {
     CLI::App *html = addBatchCommand(program, "html", "Write a page in HTML that shows the document", options);
     addFolder(*html, options);
-    html->callback([&] { command = mifread::htmlCommand(); });
+    html->add_flag(
+            "--embed-pictures", options.embedPictures,
+            "Take pictures in files that a document names into its page: those in its own folder and below, with "
+            "--embed-pictures=all any")
+        ->check(CLI::IsMember({"true", "all"}).description(""));
+    html->callback([&] {
+        using mifread::EmbedPictures;
+        const EmbedPictures some = options.embedPictures.empty() ? EmbedPictures::None : EmbedPictures::Beside;
+        command = mifread::htmlCommand(options.embedPictures == "all" ? EmbedPictures::All : some);
+    });
 }
 
 void addObjects(CLI::App &program, Options &options, mifread::Command &command)

@@ -24,6 +24,13 @@ enum class ExitCode {
     Limit = 5   // a limit was reached
 };
 
+// html: which of the pictures in files that a document names are taken into its page.
+enum class EmbedPictures {
+    None,
+    Beside, // those in the document's folder or below
+    All
+};
+
 struct Options {
     std::vector<std::string> inputs; // paths; "-" is standard input
     std::string list;                // a path, "-" is standard input; a file that names further inputs; empty for none
@@ -40,6 +47,7 @@ struct Options {
 
     bool asJson = false;        // objects and info: as JSON instead of for people
     bool withObjects = false;   // json: the data of objects as well
+    std::string embedPictures;  // html: "true" for those beside the document, "all", or empty for none
     bool listsExtended = false; // tokens: the extended stream
 
     mifhost::TokenForm form = mifhost::TokenForm::Extended;  // of the tokens to convert

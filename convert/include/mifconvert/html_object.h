@@ -16,6 +16,9 @@ namespace mifconvert
 // Appends the size of a frame as the style of an element; nothing for a frame without one.
 void appendFrameSize(const mifhost::Frame &frame, std::string &out);
 
+// The name that a page has for a type of pictures that browsers show; empty for other types.
+std::string_view pagePictureType(std::string_view mimeType);
+
 // Appends what shows an object in a line of text, while its data come: a picture where browsers know its type,
 // otherwise a box that names the type and saves the object. A picture that the browser fails to show is named. The data
 // are in the page.

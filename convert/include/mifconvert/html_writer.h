@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "mifconvert/html_fonts.h"
@@ -34,12 +35,22 @@ public:
     // line of text.
     using ShowFrame = std::function<void(const mifhost::Frame &, std::string &out)>;
 
+    // What a picture that the document names is loaded from, as the value of an attribute that needs no escapes; empty
+    // for the path itself, when it is relative.
+    using PictureSource = std::function<std::string(std::string_view path)>;
+
     // title      of the page, in UTF-8: the name of the document's file, as a rule
     // fonts      the document's fonts
     // showFrame  called for each frame, perhaps some tokens later
     // out        what the page is appended to
     // Fonts and out must live as long as the writer.
     HtmlWriter(std::string title, const mifhost::FontRegistry &fonts, ShowFrame showFrame, std::string &out);
+
+    // Has pictures in files loaded from elsewhere. To be called before the first token.
+    void setPictureSource(PictureSource source)
+    {
+        pictureSource_ = std::move(source);
+    }
 
     // Appends what the token adds to the page. What a link covers waits for its end, and notes for the page's.
     void write(const mifhost::Token &token);
@@ -138,6 +149,7 @@ private:
 
     std::string title_;
     ShowFrame showFrame_;
+    PictureSource pictureSource_;
     std::string &out_;
     std::string body_; // what is not handed to out_ yet
     FontStyles fonts_;

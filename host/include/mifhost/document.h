@@ -9,6 +9,7 @@
 #ifndef MIFHOST_DOCUMENT_H
 #define MIFHOST_DOCUMENT_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -70,6 +71,9 @@ struct DocumentOptions {
     std::function<void()> proceed{};
 };
 
+// What a document says of itself, in UTF-8, by DocumentFieldKind; empty for what it does not say.
+using DocumentInfo = std::array<std::string, static_cast<std::size_t>(DocumentFieldKind::Encoding) + 1>;
+
 // Reads one document from its beginning, token by token, and owns all that the reader needs for it: once through, there
 // is no way back, but a second Document may read the stream when the first is gone. Used by one thread at a time;
 // documents of different streams are independent of each other.
@@ -119,6 +123,13 @@ public:
         return charset_.undefinedBytes();
     }
 
+    // What the document says of itself, as far as tokens are handed out: most of it stands before the text, the
+    // encoding found and the commonest language come at the end. Of the extended stream alone.
+    const DocumentInfo &info() const noexcept
+    {
+        return info_;
+    }
+
     // The size of the document in bytes, as the stream found it when it was made.
     std::uint64_t size() const noexcept
     {
@@ -159,6 +170,8 @@ private:
     void fill();
     // Throws what a call of mifFillBuffer failed of: by its result, or by what the stream and the memory met meanwhile.
     void checkResult(std::int32_t result, std::uint32_t written, std::int32_t percent) const;
+    // The token as it is handed out.
+    const Token *handOut(const Token &token);
     // Makes a token of the plain form of a raw one.
     const Token *adapt(const Token &token);
     // The end of one of the modes that the paragraph before has left on.
@@ -183,6 +196,7 @@ private:
     MifFileAccess fileAccess_{};
     bool objectIsOpen_ = false;
     bool isExtended_ = false;
+    DocumentInfo info_;
     // Of the plain form.
     bool isAdapted_ = false;
     Windows1252 charset_;
