@@ -18,7 +18,7 @@ constexpr size_t planSize = 21;
 // What is done with objects between two calls.
 struct ObjectPlan {
     uint32_t everyNthCall; // 0 for never
-    int32_t blockSize;
+    int32_t blockSize;     // at least 1: after a seek a read puts the stream back for the next call
     int32_t offset;
     int32_t origin;
     bool close;
@@ -131,7 +131,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         most = readSize(plan.u8(), document);
     }
     const uint32_t objectPlan = plan.u16();
-    const ObjectPlan objects{objectPlan % 4, static_cast<int32_t>(objectPlan / 4 % 512),
+    const ObjectPlan objects{objectPlan % 4, static_cast<int32_t>(objectPlan / 4 % 512) + 1,
                              static_cast<int32_t>(plan.u8()) - 64, static_cast<int32_t>(objectPlan / 2048 % 4),
                              objectPlan / 8192 % 2 != 0};
     const uint32_t fault = plan.u8();
