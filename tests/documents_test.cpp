@@ -27,25 +27,12 @@ std::string shifted(const std::string &document, size_t shift)
     return result.insert(document.find('\n') + 1, padding);
 }
 
-// The parameter says whether it is the extended stream.
-class Documents : public testing::TestWithParam<bool>
+class Documents : public OfEachStream
 {
 protected:
-    bool isExtended() const
-    {
-        return GetParam();
-    }
-
     std::vector<fs::path> documents() const
     {
         return isExtended() ? documentsOfBothStreams() : allDocuments();
-    }
-
-    // The conditions for this stream.
-    Conditions with(Conditions conditions) const
-    {
-        conditions.isExtended = isExtended();
-        return conditions;
     }
 };
 

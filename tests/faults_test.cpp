@@ -29,25 +29,12 @@ void expectUnharmed(const Conversion &conversion)
     EXPECT_TRUE(conversion.result == 6 || conversion.percent == 100);
 }
 
-// The parameter says whether it is the extended stream.
-class Faults : public testing::TestWithParam<bool>
+class Faults : public OfEachStream
 {
 protected:
-    bool isExtended() const
-    {
-        return GetParam();
-    }
-
     std::vector<fs::path> documents() const
     {
         return isExtended() ? extendedDocuments() : testDocuments();
-    }
-
-    // The conditions for this stream.
-    Conditions with(Conditions conditions) const
-    {
-        conditions.isExtended = isExtended();
-        return conditions;
     }
 };
 

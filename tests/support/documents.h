@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/test_host.h"
+
 namespace miftest
 {
 
@@ -56,6 +58,23 @@ inline std::vector<std::filesystem::path> documentsOfBothStreams()
     }
     return paths;
 }
+
+// Tests of either stream: the parameter says whether it is the extended one.
+class OfEachStream : public testing::TestWithParam<bool>
+{
+protected:
+    bool isExtended() const
+    {
+        return GetParam();
+    }
+
+    // The conditions for this stream.
+    Conditions with(Conditions conditions) const
+    {
+        conditions.isExtended = isExtended();
+        return conditions;
+    }
+};
 
 } // namespace miftest
 
