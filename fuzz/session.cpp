@@ -4,7 +4,7 @@
 #include <cstring>
 #include <memory>
 
-#include <utf8.h>
+#include <utf8cpp/utf8.h>
 
 #include "check.h"
 #include "mifhost/error.h"
