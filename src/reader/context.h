@@ -25,6 +25,7 @@ struct MifContext {
     MifPageState pages;
     MifTextState text;
     MifFlowState flow;
+    MifNoteState notes;
     MifConditionState conditions;
     MifMarkerState markers;
     MifDocumentState document;

@@ -8,6 +8,11 @@
 void mifBeginNote(MifContext *context);
 int mifTakeNote(MifContext *context);
 
+// At the document's end: references to notes that there are not are losses.
+void mifTellMissingNotes(MifContext *context);
+
+void mifFreeNotes(MifContext *context);
+
 // The note that is open has that identifier.
 void mifNameNote(MifContext *context, int32_t id);
 

@@ -90,6 +90,21 @@ struct MifFlowState {
     MifIndex textRectIDs;
 };
 
+// A note that is told or referred to.
+struct MifKnownNote : MifIndexNode {
+    int32_t id;
+    uint32_t isTold;
+    uint32_t isReferredTo;
+    int32_t reference; // the byte of the first one
+    MifKnownNote *next;
+};
+
+// Owned by notes.cpp.
+struct MifNoteState {
+    MifList<MifKnownNote> notes;
+    MifIndex ids;
+};
+
 // A condition of the catalog; key and tag are the same. The first one of a name counts.
 struct MifCondition : MifIndexNode {
     char *tag; // owned

@@ -14,6 +14,7 @@
 #include "text/flow.h"
 #include "text/markers.h"
 #include "text/mif_text.h"
+#include "text/notes.h"
 #include "text/placement.h"
 #include "text/scopes.h"
 
@@ -65,6 +66,7 @@ void mifTellDocumentEnd(MifContext *context)
     extension.ended = 1;
     mifCloseScopes(context);
     mifDropParagraphs(context, 0);
+    mifTellMissingNotes(context);
     mifTellFindings(context);
     mifTellLossTotals(context);
 }
@@ -77,6 +79,7 @@ void mifFreeExtension(MifContext *context)
     mifFreeConditions(context);
     mifFreeDocument(context);
     mifFreeMarkers(context);
+    mifFreeNotes(context);
     mifFreeTextRects(context);
     mifFreeScopes(context);
     mifRelease(context, std::exchange(context->text.room, nullptr));
