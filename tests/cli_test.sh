@@ -18,7 +18,12 @@ run 2 'no command; give one of text, '
 run 2 'there are text, .*mifread text good.mif\?' good.mif
 run 2 'Did you mean: mifread text\?' txt good.mif
 run 2 'max-memory: must be more than 0$' text --max-memory 0 good.mif
-for limit in memory work input output; do run 2 "max-$limit: must not be negative\$" text --max-$limit -5 good.mif; done
+for limit in memory work input output; do
+    for size in -5 +5 0x10 K 1.5; do run 2 "max-$limit: must be a number of bytes" text --max-$limit=$size good.mif; done
+    run 2 "max-$limit: is too large" text --max-$limit 99999999999999999999 good.mif
+    run 2 "max-$limit: must be more than 0" text --max-$limit 00 good.mif
+done
+run 5 ' 10 bytes' text --max-input 010 good.mif
 for time in -1 nan inf 1e400 soon; do run 2 '--timeout: must be a number of seconds from 0 to 1e9$' text --timeout $time good.mif; done
 "$mifread" --help 2>err >/dev/full; [ $? -eq 3 ] || fail 'help on a full disk'
 { printf '<MIFFile 5>%s<TextRectID 9>' "$body"; for i in {1..20000}; do echo "<Para <String \`line $i'>>"; done; } >lines.mif

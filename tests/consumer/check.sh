@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # check.sh PREFIX DOCUMENT C_EXAMPLE: programs built against the packages installed in PREFIX, through CMake and through
-# pkg-config, print the same text as mifread. The C program is the one in the document C_EXAMPLE, which writes the same
+# pkg-config, print the same text as mifread of the plain stream. The C program is the one in the document C_EXAMPLE, which writes the same
 # objects too. CXX, CC, CXXFLAGS and CFLAGS are used as CMake does.
 set -euo pipefail
 prefix=$(realpath -- "$1") document=$(realpath -- "$2") c_example=$(realpath -- "$3")
@@ -10,7 +10,7 @@ trap 'rm -rf "$folder"' EXIT
 cp -- "$(dirname -- "$0")"/{CMakeLists.txt,consumer.cpp} "$folder"
 cd "$folder"
 sed -n '/^```c$/,/^```$/p' "$c_example" | sed '/^```/d' >c_consumer.c
-"$prefix/bin/mifread" text "$document" >expected
+"$prefix/bin/mifread" text --plain "$document" >expected
 iconv -f UTF-8 -t WINDOWS-1252 expected >c_expected
 "$prefix/bin/mifread" objects "$document" -d objects >/dev/null
 LD_LIBRARY_PATH=$(dirname -- "$(find "$prefix/lib" -name libmifreader.so.0)")

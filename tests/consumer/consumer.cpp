@@ -1,4 +1,4 @@
-// Prints the text of a document, as mifread does.
+// Prints the text of a document, as mifread does of the plain stream.
 #include <iostream>
 #include <variant>
 
@@ -7,7 +7,7 @@
 int main(int, char **arguments)
 {
     mifhost::FileStream stream(arguments[1]);
-    mifhost::Document document(stream);
+    mifhost::Document document(stream, {.form = mifhost::TokenForm::Plain});
     std::string text;
     while (const mifhost::Token *token = document.next()) {
         if (const auto *run = std::get_if<mifhost::Text>(token)) {

@@ -1,5 +1,7 @@
 // Arguments and exit codes of mifread.
 #include <algorithm>
+#include <cctype>
+#include <charconv>
 #include <cstdint>
 #include <exception>
 #include <map>
@@ -7,6 +9,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -44,8 +47,24 @@ const std::map<std::string, std::uint32_t> encodings = {{"auto", MIF_ENCODING_AU
                                                         {"windows-1252", MIF_ENCODING_WINDOWS_1252},
                                                         {"utf-8", MIF_ENCODING_UTF_8}};
 const CLI::Validator isPositive([](const std::string &value) { return value == "0" ? "must be more than 0" : ""; }, "");
-const CLI::Validator
-    isNotNegative([](std::string &value) { return value.starts_with('-') ? "must not be negative" : ""; }, "");
+// In front of the parser's own reading of a number, which takes -5 and more than 64 bits for huge numbers, and 010
+// for 8.
+const CLI::Validator isDecimal(
+    [](std::string &value) -> std::string {
+        std::uint64_t number = 0;
+        const char *const end = value.data() + value.size();
+        const auto [rest, error] = std::from_chars(value.data(), end, number);
+        const bool hasUnit = std::all_of(rest, end, [](char letter) { return std::isalpha(letter & 0x7F) != 0; });
+        if (error == std::errc::result_out_of_range) {
+            return "is too large";
+        }
+        if (error != std::errc() || !hasUnit) {
+            return "must be a number of bytes, as such or with K, M or G behind it";
+        }
+        value = std::to_string(number) + std::string(rest, end);
+        return "";
+    },
+    "");
 const CLI::Validator isSeconds(
     [](const std::string &value) {
         constexpr double most = 1e9;
@@ -61,7 +80,7 @@ template <typename Size>
 CLI::Option *addSize(CLI::App &command, const char *name, Size &value, const char *description)
 {
     CLI::Option *option = command.add_option(name, value, description);
-    return option->type_name("SIZE")->transform(CLI::AsSizeValue(false).description(""))->transform(isNotNegative);
+    return option->type_name("SIZE")->transform(CLI::AsSizeValue(false).description(""))->transform(isDecimal);
 }
 
 // Adds a command that takes one document.
