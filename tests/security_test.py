@@ -232,13 +232,13 @@ class Files(InFolder):
         self.assertEqual(results, [0o751, 0o640 if os.geteuid() == 0 else 0o777, 0o640])
         self.assertEqual(foreign.stat().st_uid, os.geteuid())
         if os.geteuid() == 0:
-            for group, mode, keeps in (NOBODY, 0o664, True), (NOBODY, 0o664, False):
+            for group, mode, keeps in (NOBODY, 0o664, True), (NOBODY, 0o664, False), (NOBODY, 0o604, False):
                 os.chown(own, 0, group)
                 own.chmod(mode)
                 self.mifread("text", "a.mif", "-o", "own.txt", **({} if keeps else {"preexec_fn": keep_groups}))
                 result = own.stat()
                 self.assertEqual((result.st_gid, stat.S_IMODE(result.st_mode)),
-                                 (group, mode) if keeps else (os.getegid(), 0o604))
+                                 (group, mode) if keeps else (os.getegid(), 0o604 if mode == 0o664 else 0o600))
 
     def test_a_read_only_file_is_left_alone(self):
         for path in self.write("kept.txt", b"kept"), self.write("out/a.txt", b"kept"):

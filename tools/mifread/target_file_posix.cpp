@@ -242,11 +242,13 @@ Rights rightsOfPresent(const Walk &place)
     return {status.st_mode & (isOwn ? permissions : usualMode), isOwn, status.st_gid};
 }
 
-// Gives a file of one's own the rights of another one. A group that cannot be taken over loses its rights.
+// Gives a file of one's own the rights of another one. A group that cannot be taken over loses its rights; its members
+// are then others, who get no more than it had.
 void takeOver(const FileDescriptor &file, const Rights &rights)
 {
     const bool hasGroup = fchown(file.get(), static_cast<uid_t>(-1), rights.group) == 0;
-    fchmod(file.get(), hasGroup ? rights.mode : rights.mode & ~static_cast<mode_t>(S_IRWXG));
+    const mode_t ofAll = rights.mode & S_IRWXO & ((rights.mode & S_IRWXG) >> 3U);
+    fchmod(file.get(), hasGroup ? rights.mode : (rights.mode & S_IRWXU) | ofAll);
 }
 
 } // namespace
